@@ -1,0 +1,35 @@
+# Headers, the shared library, a CMake package and a pkg-config file.
+
+include(CMakePackageConfigHelpers)
+
+install(
+  TARGETS QuillavenLib
+  EXPORT QuillavenLibTargets
+  RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
+  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+  ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
+install(
+  DIRECTORY ${PROJECT_SOURCE_DIR}/quillaven
+  DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
+  FILES_MATCHING
+  PATTERN "*.h"
+  PATTERN "*_internal.h" EXCLUDE
+  PATTERN posix EXCLUDE
+  PATTERN windows EXCLUDE)
+
+set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/QuillavenLib)
+install(
+  EXPORT QuillavenLibTargets
+  NAMESPACE Quillaven::
+  DESTINATION ${package_dir})
+configure_package_config_file(
+  ${PROJECT_SOURCE_DIR}/cmake/QuillavenLibConfig.cmake.in
+  ${PROJECT_BINARY_DIR}/QuillavenLibConfig.cmake INSTALL_DESTINATION ${package_dir})
+write_basic_package_version_file(
+  ${PROJECT_BINARY_DIR}/QuillavenLibConfigVersion.cmake COMPATIBILITY SameMinorVersion)
+configure_file(${PROJECT_SOURCE_DIR}/cmake/QuillavenLib.pc.in ${PROJECT_BINARY_DIR}/QuillavenLib.pc
+               @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/QuillavenLibConfig.cmake
+              ${PROJECT_BINARY_DIR}/QuillavenLibConfigVersion.cmake DESTINATION ${package_dir})
+install(FILES ${PROJECT_BINARY_DIR}/QuillavenLib.pc
+        DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

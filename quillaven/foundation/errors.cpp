@@ -1,0 +1,1 @@
+#include <quillaven/foundation/errors.h>

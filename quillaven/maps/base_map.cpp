@@ -1,0 +1,1 @@
+#include <quillaven/maps/base_map.h>

@@ -1,0 +1,5 @@
+#include <quillaven/platform/stamp_font_internal.h>
+
+CStampImage DrawWithBuiltInFont(char const * /*text*/) {
+  return {};
+}

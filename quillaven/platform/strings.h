@@ -1,0 +1,55 @@
+// The string class of the interfaces that speak in CString, and plain arrays.
+//
+//   CString path = "C:\\Data\\map.txt";
+//   int cut = path.ReverseFind('\\');
+//   CString directory = path.Left(cut);        // C:\Data
+//   CString name = path.Mid(cut + 1);          // map.txt
+//
+// A CString is a std::string of single-byte characters; positions count from 0, and -1 stands for
+// "not found". Counts outside the text are held to it: nothing here reads out of range.
+
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <utility>
+
+#include <quillaven/platform/api.h>
+
+class QUILLAVEN_API CString : public std::string {
+ public:
+  CString() = default;
+  CString(char const *text) : std::string(text != nullptr ? text : "") {}  // NOLINT: as a literal
+  CString(std::string text) : std::string(std::move(text)) {}              // NOLINT: as a string
+
+  operator char const *() const { return c_str(); }  // NOLINT: passes for a C string everywhere
+
+  int GetLength() const { return static_cast<int>(size()); }
+  bool IsEmpty() const { return empty(); }
+
+  /// The first `count` characters.
+  CString Left(int count) const { return substr(0, Held(count)); }
+  /// The last `count` characters.
+  CString Right(int count) const { return substr(size() - Held(count)); }
+  /// What stands from `first` on.
+  CString Mid(int first) const { return substr(Held(first)); }
+  CString Mid(int first, int count) const { return Mid(first).Left(count); }
+
+  /// First position of a text or character at or behind `start`, -1 if there is none.
+  int Find(char const *text, int start = 0) const { return Position(find(text, Held(start))); }
+  int Find(char character, int start = 0) const { return Position(find(character, Held(start))); }
+  /// Last position of a character, -1 if there is none.
+  int ReverseFind(char character) const { return Position(rfind(character)); }
+
+  /// Turns A to Z into a to z, whatever the locale is.
+  void MakeLower();
+  /// Replaces the text by a printf pattern filled in. Numbers have a point, whatever the locale is.
+  void Format(char const *format, ...) __attribute__((format(printf, 2, 3)));
+
+ private:
+  std::size_t Held(int count) const {
+    if (count < 0) return 0;
+    return static_cast<std::size_t>(count) < size() ? static_cast<std::size_t>(count) : size();
+  }
+  static int Position(std::size_t found) { return found == npos ? -1 : static_cast<int>(found); }
+};
