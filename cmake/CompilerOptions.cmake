@@ -19,6 +19,12 @@ endif()
 # Sums and products are rounded one by one, so that every compiler gives the same bits.
 add_compile_options(-ffp-contract=off)
 add_compile_options(-Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror)
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
+  add_compile_options(-Wno-restrict) # GCC 12 sees overlaps in std::string that cannot be
+endif()
+
+# Calls within the library go straight to it, not through the table of exported symbols.
+add_compile_options(-fno-semantic-interposition)
 
 if(QUILLAVEN_SANITIZE)
   add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer -O1)

@@ -27,6 +27,8 @@ configure_package_config_file(
   ${PROJECT_BINARY_DIR}/QuillavenLibConfig.cmake INSTALL_DESTINATION ${package_dir})
 write_basic_package_version_file(
   ${PROJECT_BINARY_DIR}/QuillavenLibConfigVersion.cmake COMPATIBILITY SameMinorVersion)
+# The pkg-config file finds its prefix from where it lies, so that the tree can be moved.
+file(RELATIVE_PATH PREFIX_FROM_PKGCONFIG /prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig /prefix)
 configure_file(${PROJECT_SOURCE_DIR}/cmake/QuillavenLib.pc.in ${PROJECT_BINARY_DIR}/QuillavenLib.pc
                @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/QuillavenLibConfig.cmake

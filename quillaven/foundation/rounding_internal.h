@@ -1,0 +1,20 @@
+// Numbers as the integers that they are taken for.
+
+#pragma once
+
+#include <limits>
+
+/// Truncates toward zero; what no int holds goes to the nearest end, and what is no number to the
+/// lower.
+inline int Truncated(double value) {
+  constexpr double kLowest = std::numeric_limits<int>::min();
+  constexpr double kHighest = std::numeric_limits<int>::max();
+  if (!(value > kLowest)) return std::numeric_limits<int>::min();
+  if (value >= kHighest) return std::numeric_limits<int>::max();
+  return static_cast<int>(value);
+}
+
+/// The integer that a text begins with, behind blanks; 0 if there is none. What no int holds goes
+/// to the nearest end. `end`, if given, becomes where the integer ends, or the text itself without
+/// one.
+int LeadingInteger(char const *text, char const **end = nullptr);
