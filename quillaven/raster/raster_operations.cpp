@@ -1,0 +1,189 @@
+#include <algorithm>
+#include <cstdint>
+
+#include <quillaven/raster/raster_access_internal.h>
+#include <quillaven/raster/raster_operations.h>
+#include <quillaven/raster/resolution_defaults_internal.h>
+
+namespace {
+
+std::int32_t g_nDefaultFineResolution = 1;
+CMultiScaleByteMatrix *g_pDefaultResolutionMap = nullptr;  // not owned
+
+// Walks a raster block by block in row order: `coarse(r0, c0, cell)` for a coarse block with its
+// top left cell, `fine(row, col, cells, count)` for each row of a fine block, cut at the raster's
+// edge. At W = 1 a row of the raster is one row of cells. Sizes below 1 hold no block.
+template <class T, class Coarse, class Fine>
+void WalkBlocks(CMultiScaleMatrix<T> const &raster, Coarse coarse, Fine fine) {
+  int const rows = raster.NRows();
+  int const cols = raster.NCols();
+  int const width = raster.W();
+  if (rows < 1 || cols < 1) return;
+  if (width < 2) {
+    for (int row = 0; row < rows; ++row) fine(row, 0, CRasterAccess::CoarseRow(raster, row), cols);
+    return;
+  }
+  int const blockCols = CRasterAccess::BlocksAlong(cols, width);
+  for (int blockRow = 0; blockRow < CRasterAccess::BlocksAlong(rows, width); ++blockRow) {
+    std::int32_t const *index = CRasterAccess::IndexRow(raster, blockRow);
+    T *values = CRasterAccess::CoarseRow(raster, blockRow);
+    int const r0 = blockRow * width;
+    int const height = std::min(width, rows - r0);
+    for (int blockCol = 0; blockCol < blockCols; ++blockCol) {
+      int const c0 = blockCol * width;
+      std::int32_t const entry = index[blockCol];
+      if (entry == 0) {
+        coarse(r0, c0, values[blockCol]);
+        continue;
+      }
+      int const count = std::min(width, cols - c0);
+      for (int i = 0; i < height; ++i)
+        fine(r0 + i, c0, CRasterAccess::FineRow(raster, entry, i), count);
+    }
+  }
+}
+
+template <class T>
+void Assign(CMultiScaleMatrix<T> &matrix, T value) {
+  WalkBlocks(
+      matrix, [value](int, int, T &cell) { cell = value; },
+      [value](int, int, T *cells, int count) { std::fill_n(cells, count, value); });
+}
+
+template <class T>
+void Eval(CMultiScaleMatrix<T> &matrix, CMapFunc<T> &function) {
+  WalkBlocks(
+      matrix, [&function](int r0, int c0, T &cell) { cell = function.Eval(r0, c0); },
+      [&function](int row, int col, T *cells, int count) {
+        for (int j = 0; j < count; ++j) cells[j] = function.Eval(row, col + j);
+      });
+}
+
+// The offset of the sample of a coarse block that begins at `origin`: half a block, or half of what
+// the last block holds where half a block would lie outside.
+int SampleOffset(int origin, int size, int width) {
+  int const half = width / 2;
+  return origin < size - half ? half : size % width / 2;
+}
+
+// A raster or a plain matrix as the source of a copy: one cell, and a stretch of a row.
+template <class T>
+struct RasterSource {
+  CMultiScaleMatrix<T> const &raster;
+
+  int Rows() const { return raster.NRows(); }
+  int Cols() const { return raster.NCols(); }
+  T At(int row, int col) const { return raster.At(row, col); }
+  void Read(int row, int col, int count, T *out) const {
+    CRasterAccess::ReadRow(raster, row, col, count, out);
+  }
+};
+
+template <class T>
+struct PlainSource {
+  CSmartIOMatrix<T> const &matrix;
+
+  int Rows() const { return matrix.Rows(); }
+  int Cols() const { return matrix.Cols(); }
+  T At(int row, int col) const { return matrix.m_ppRows[row][col]; }
+  void Read(int row, int col, int count, T *out) const {
+    std::copy_n(matrix.m_ppRows[row] + col, count, out);
+  }
+};
+
+// Cells that the source does not have keep their values.
+template <class T, class Source>
+void Copy(CMultiScaleMatrix<T> &destination, Source source) {
+  int const rows = destination.NRows();
+  int const cols = destination.NCols();
+  int const width = std::max(destination.W(), 1);
+  WalkBlocks(
+      destination,
+      [&](int r0, int c0, T &cell) {
+        int const row = r0 + SampleOffset(r0, rows, width);
+        int const col = c0 + SampleOffset(c0, cols, width);
+        if (row < source.Rows() && col < source.Cols()) cell = source.At(row, col);
+      },
+      [&](int row, int col, T *cells, int count) {
+        int const held = std::min(count, source.Cols() - col);
+        if (row < source.Rows() && held > 0) source.Read(row, col, held, cells);
+      });
+}
+
+// The sample cells of the blocks along one side: the middle of each whole block, and the middle of
+// the remainder of a ragged one.
+template <class Visit>
+void EachSample(int size, int width, Visit visit) {
+  int const remainder = size % width;
+  int const full = size - remainder;
+  for (std::int64_t at = width / 2; at < full; at += width) visit(static_cast<int>(at));
+  if (remainder > 0) visit(full + remainder / 2);
+}
+
+template <class T>
+void UpdateResolution(CMultiScaleMatrix<T> &map, CMultiScaleByteMatrix &resMap, int resolution) {
+  if (resolution < 2) return;
+  EachSample(resMap.NRows(), resolution, [&](int row) {
+    EachSample(resMap.NCols(), resolution,
+               [&](int col) { map.FineCell(row, col, resMap.FineCell(row, col)); });
+  });
+}
+
+}  // namespace
+
+CMultiScaleByteMatrix const *DefaultResolutionMapInForce() {
+  return g_pDefaultResolutionMap;
+}
+
+int DefaultFineResolution() {
+  return g_nDefaultFineResolution;
+}
+void DefaultFineResolution(int resolution) {
+  g_nDefaultFineResolution = resolution;
+}
+void DefaultResolutionMap(CMultiScaleByteMatrix *map) {
+  g_pDefaultResolutionMap = map;
+}
+
+void UpdateResolutionOfMap(CMultiScaleFloatMatrix &map, CMultiScaleByteMatrix &resMap,
+                           int resolution) {
+  UpdateResolution(map, resMap, resolution);
+}
+void UpdateResolutionOfMap(CMultiScaleShortMatrix &map, CMultiScaleByteMatrix &resMap,
+                           int resolution) {
+  UpdateResolution(map, resMap, resolution);
+}
+void UpdateResolutionOfMap(CMultiScaleByteMatrix &map, CMultiScaleByteMatrix &resMap,
+                           int resolution) {
+  UpdateResolution(map, resMap, resolution);
+}
+
+void CopyMultiScaleFloatMatrix(CMultiScaleFloatMatrix &destination,
+                               CMultiScaleFloatMatrix const &source) {
+  Copy(destination, RasterSource<float>{source});
+}
+void CopyMultiScaleByteMatrix(CMultiScaleByteMatrix &destination,
+                              CMultiScaleByteMatrix const &source) {
+  Copy(destination, RasterSource<unsigned char>{source});
+}
+void CopyMultiScaleByteMatrix(CMultiScaleByteMatrix &destination,
+                              CSmartIOByteMatrix const &source) {
+  Copy(destination, PlainSource<unsigned char>{source});
+}
+
+void AssignMultiScaleFloatMatrix(CMultiScaleFloatMatrix &matrix, float value) {
+  Assign(matrix, value);
+}
+void AssignMultiScaleByteMatrix(CMultiScaleByteMatrix &matrix, unsigned char value) {
+  Assign(matrix, value);
+}
+
+void MultiScaleFloatMatrixEvalMapFunc(CMultiScaleFloatMatrix &matrix, CFloatMapFunc &function) {
+  Eval(matrix, function);
+}
+void MultiScaleShortMatrixEvalMapFunc(CMultiScaleShortMatrix &matrix, CShortMapFunc &function) {
+  Eval(matrix, function);
+}
+void MultiScaleByteMatrixEvalMapFunc(CMultiScaleByteMatrix &matrix, CByteMapFunc &function) {
+  Eval(matrix, function);
+}
