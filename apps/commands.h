@@ -1,0 +1,26 @@
+// The commands of the program. Each ends normally or throws a Failure.
+
+#pragma once
+
+#include <string>
+
+struct DrawOptions {
+  std::string grid;
+  std::string legend;
+  std::string helpDirectory;
+  std::string picture;
+  std::string stamp;
+  int zoom = 1;
+  int fine = 1;
+};
+
+struct DemoOptions {
+  std::string out = "quillaven-demo";
+};
+
+/// Draws a grid through a legend into a bitmap.
+void Draw(DrawOptions const &options);
+/// Prints what a file holds.
+void Info(std::string const &file);
+/// Reads, draws, edits and writes back the land use of a country.
+void Demo(DemoOptions const &options);

@@ -1,0 +1,63 @@
+// The program as the application around the library: boxes become lines on standard error, and long
+// work shows where it is when standard error is a terminal.
+//
+//   Console console("data");                 // data/Legends and data/Palettes
+//   Progress progress(3);
+//   progress.Step("reading landuse.asc");
+//   if (map.OnFileImport(...) == 0) throw Failure("cannot read landuse.asc");
+
+#pragma once
+
+#include <stdexcept>
+#include <string>
+
+#include <quillaven/quillaven.h>
+
+/// Ends a command with one line on standard error and a non-zero status.
+class Failure : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+/// In force as long as it lives; its help directory holds "Legends" and "Palettes".
+class Console : public CApplication {
+ public:
+  explicit Console(std::string const &helpDirectory);
+  ~Console() override;
+  Console(Console const &) = delete;
+  Console &operator=(Console const &) = delete;
+
+  /// The first box ends the command: thrown as a Failure once the library call is over.
+  void ThrowIfBoxShown() const;
+
+  int DoMessageBox(char const *text, char const *title, unsigned int type,
+                   unsigned int helpId) override;
+  std::string HelpFilePath() const override { return m_helpFile; }
+
+ private:
+  CApplication *m_before;
+  std::string m_helpFile;
+  std::string m_firstBox;
+};
+
+/// The steps of long work, each shown on one line that the next writes over. Silent when standard
+/// error is no terminal.
+class Progress {
+ public:
+  explicit Progress(int steps);
+  ~Progress();
+  Progress(Progress const &) = delete;
+  Progress &operator=(Progress const &) = delete;
+
+  void Step(std::string const &what);
+  /// Takes the line away, before something is printed where it stands.
+  void Clear() const;
+
+ private:
+  bool m_shown;
+  int m_steps;
+  int m_step = 0;
+};
+
+/// A text of several lines as one.
+std::string OneLine(std::string const &text);

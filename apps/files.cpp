@@ -1,0 +1,69 @@
+#include "apps/files.h"
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+
+#include "apps/console.h"
+
+namespace {
+
+constexpr int kHeaderLines = 6;
+
+std::string FirstWordInCapitals(std::string const &line) {
+  std::string word = line.substr(0, line.find_first_of(" \t\r"));
+  for (char &c : word) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+  return word;
+}
+
+}  // namespace
+
+void RequireReadable(std::string const &file) {
+  if (std::filesystem::is_directory(file)) throw Failure("'" + file + "' is a folder");
+  errno = 0;
+  std::ifstream const stream(SystemPath(file), std::ios::binary);
+  if (!stream) throw Failure("cannot open '" + file + "': " + std::strerror(errno));
+}
+
+bool IsGrid(std::string const &file) {
+  std::ifstream stream(SystemPath(file));
+  std::string start(64, '\0');
+  stream.read(start.data(), static_cast<std::streamsize>(start.size()));
+  start.resize(static_cast<std::size_t>(stream.gcount()));
+  return FirstWordInCapitals(start) == "NCOLS";
+}
+
+void RequireGrid(std::string const &file) {
+  RequireReadable(file);
+  if (!IsGrid(file)) throw Failure("'" + file + "' is no ASCII grid");
+}
+
+bool GridIsComplete(std::string const &file, long long cells) {
+  std::ifstream stream(SystemPath(file), std::ios::binary);
+  std::string line;
+  for (int i = 0; i < kHeaderLines; ++i) std::getline(stream, line);
+
+  std::array<char, 1 << 16> block{};
+  long long words = 0;
+  bool inWord = false;
+  while (stream.read(block.data(), block.size()) || stream.gcount() > 0) {
+    std::for_each_n(block.begin(), stream.gcount(), [&](char c) {
+      bool const blank = c == ' ' || c == '\n' || c == '\r' || c == '\t';
+      if (!blank && !inWord) ++words;
+      inWord = !blank;
+    });
+  }
+  return words >= cells;
+}
+
+std::string HelpDirectory(std::string const &told) {
+  if (!told.empty()) return told;
+  for (char const *own : {QUILLAVEN_INSTALLED_DATA, QUILLAVEN_SOURCE_DATA})
+    if (std::filesystem::is_directory(std::filesystem::path(own) / "Legends")) return own;
+  return ".";
+}

@@ -1,0 +1,22 @@
+// Files as the program takes them from its command line.
+
+#pragma once
+
+#include <string>
+
+/// Throws a Failure that names the file and the system's reason unless it can be read.
+void RequireReadable(std::string const &file);
+
+/// Whether a file begins as an ASCII grid.
+bool IsGrid(std::string const &file);
+
+/// Throws a Failure unless the file can be read and begins as an ASCII grid.
+void RequireGrid(std::string const &file);
+
+/// Whether a grid file holds as many numbers behind its six header lines as it has cells. A file
+/// whose last number ends it without a line feed is as good as any other, and only a count tells it
+/// from one that was cut.
+bool GridIsComplete(std::string const &file, long long cells);
+
+/// The folder of Legends and Palettes: the one told, or the program's own.
+std::string HelpDirectory(std::string const &told);

@@ -1,0 +1,165 @@
+// Tells what a file holds: the kind is found from its first bytes.
+
+#include <algorithm>
+#include <cstdint>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <map>
+#include <optional>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "apps/commands.h"
+#include "apps/console.h"
+#include "apps/files.h"
+
+namespace {
+
+constexpr int kAsciiGrid = 1;
+constexpr std::size_t kClassesShown = 20;
+
+std::string FirstBytes(std::string const &file, std::size_t count) {
+  std::ifstream stream(SystemPath(file), std::ios::binary);
+  std::string bytes(count, '\0');
+  stream.read(bytes.data(), static_cast<std::streamsize>(count));
+  bytes.resize(static_cast<std::size_t>(stream.gcount()));
+  return bytes;
+}
+
+// How often each value occurs, and how many cells have no data.
+struct Values {
+  std::map<float, long long> counts;
+  long long noData = 0;
+};
+
+Values CountValues(CMultiScaleFloatMatrix const &raster) {
+  Values values;
+  for (int row = 0; row < raster.NRows(); ++row) {
+    for (int col = 0; col < raster.NCols(); ++col) {
+      float const value = raster.At(row, col);
+      if (raster.HasNoDataValue() && value == raster.NoDataValue()) {
+        ++values.noData;
+      } else {
+        ++values.counts[value];
+      }
+    }
+  }
+  return values;
+}
+
+void PrintGrid(std::string const &file) {
+  Progress progress(2);
+  progress.Step("reading " + file);
+  Console const console(HelpDirectory(""));
+  CMultiScaleFloatMatrix raster;
+  CFloatMatrixBaseMap map;
+  map.Attach("", "", &raster, nullptr, false);
+  int const read = map.OnFileImport(file.c_str(), kAsciiGrid);
+  console.ThrowIfBoxShown();
+  long long const cells = static_cast<long long>(raster.NRows()) * raster.NCols();
+  bool const complete = cells > 0 && (read != 0 || GridIsComplete(file, cells));
+
+  progress.Step("counting " + file);
+  Values const values = CountValues(raster);
+  std::printf("ASCII grid\nrows      %d\ncolumns   %d\nno data   %g (%lld cells)\n", raster.NRows(),
+              raster.NCols(), raster.NoDataValue(), values.noData);
+  if (!values.counts.empty())
+    std::printf("values    %g to %g, %zu different\n", values.counts.begin()->first,
+                values.counts.rbegin()->first, values.counts.size());
+  if (values.counts.size() <= kClassesShown)
+    for (auto const &[value, count] : values.counts) std::printf("%9g %lld cells\n", value, count);
+  if (!complete) throw Failure("'" + file + "' ends before its last cell");
+}
+
+void PrintColors(std::vector<unsigned long> const &colors) {
+  for (std::size_t i = 0; i < colors.size(); ++i)
+    std::printf("%5zu  %3lu %3lu %3lu\n", i, colors[i] & 255, colors[i] >> 8 & 255,
+                colors[i] >> 16 & 255);
+}
+
+void PrintPalette(std::string const &file) {
+  Console const console(HelpDirectory(""));
+  std::vector<unsigned long> palette;
+  bool const read = ReadIdrisiPalette(file.c_str(), palette);
+  console.ThrowIfBoxShown();
+  if (!read) throw Failure("the indices of palette '" + file + "' are out of order");
+  std::printf("Idrisi palette\ncolours   %zu\n", palette.size());
+  PrintColors(palette);
+}
+
+// A number of 16 or 32 bits, lowest byte first.
+std::uint32_t Number(std::string const &bytes, std::size_t offset, int width) {
+  std::uint32_t number = 0;
+  for (int i = width - 1; i >= 0; --i)
+    number = number << 8 | static_cast<unsigned char>(bytes[offset + static_cast<std::size_t>(i)]);
+  return number;
+}
+
+void PrintBitmap(std::string const &file) {
+  constexpr std::size_t kHeaders = 54;
+  std::string const bytes = FirstBytes(file, kHeaders);
+  if (bytes.size() < kHeaders) throw Failure("bitmap '" + file + "' ends within its header");
+  auto const height = static_cast<std::int32_t>(Number(bytes, 22, 4));
+  std::printf("Bitmap\nwidth     %u\nheight    %d\nbits      %u a pixel\ncolours   %u\n",
+              Number(bytes, 18, 4), height, Number(bytes, 28, 2), Number(bytes, 46, 4));
+}
+
+// A folder of its own, with the file as its only legend: legends are read by name from "Legends".
+class LegendFolder {
+ public:
+  explicit LegendFolder(std::string const &file)
+      : m_folder(std::filesystem::temp_directory_path() /
+                 ("quillaven-" + std::to_string(std::random_device()()))) {
+    std::filesystem::create_directories(m_folder / "Legends");
+    std::filesystem::copy_file(SystemPath(file), m_folder / "Legends" / "legend.txt");
+  }
+  ~LegendFolder() {
+    std::error_code ignored;
+    std::filesystem::remove_all(m_folder, ignored);
+  }
+  LegendFolder(LegendFolder const &) = delete;
+  LegendFolder &operator=(LegendFolder const &) = delete;
+
+  std::string Path() const { return m_folder.string(); }
+
+ private:
+  std::filesystem::path m_folder;
+};
+
+void PrintLegend(std::string const &file) {
+  LegendFolder const folder(file);
+  Console const console(folder.Path());
+  CMultiScaleFloatMatrix raster;
+  CFloatMatrixBaseMap map;
+  map.Attach("", "", &raster, "legend.txt", false);
+  console.ThrowIfBoxShown();
+  std::printf("Legend\nclasses   %d\n", map.GetLegendItemCount());
+  for (int item = 0; item < map.GetLegendItemCount(); ++item) {
+    unsigned long const color = map.GetLegendItemColor(item);
+    std::printf("%5d  %3lu %3lu %3lu  %s\n", item, color & 255, color >> 8 & 255, color >> 16 & 255,
+                map.GetLegendItemName(item).c_str());
+  }
+}
+
+bool IsText(std::string const &file) {
+  std::string const bytes = FirstBytes(file, 512);
+  return std::all_of(bytes.begin(), bytes.end(), [](unsigned char c) {
+    return c >= 32 || c == '\t' || c == '\n' || c == '\r';
+  });
+}
+
+}  // namespace
+
+void Info(std::string const &file) {
+  RequireReadable(file);
+  std::string const start = FirstBytes(file, 8);
+  if (start.empty()) throw Failure("'" + file + "' is empty");
+  if (IsGrid(file)) return PrintGrid(file);
+  if (start == "[IDRISI]") return PrintPalette(file);
+  if (start.starts_with("BM")) return PrintBitmap(file);
+  if (!IsText(file)) throw Failure("'" + file + "' is of no kind that is known here");
+  PrintLegend(file);
+}

@@ -1,0 +1,85 @@
+// quillaven: rasters, legends and pictures from the command line.
+
+#include <cstdio>
+#include <exception>
+#include <string>
+
+#include <CLI/CLI.hpp>
+
+#include "apps/commands.h"
+#include "apps/console.h"
+
+namespace {
+
+constexpr int kCommandFailed = 1;
+constexpr int kBadArguments = 2;
+
+void AddDraw(CLI::App &program, DrawOptions &options) {
+  CLI::App *command = program.add_subcommand("draw", "Draw an ASCII grid into a bitmap");
+  command->add_option("grid", options.grid, "The grid to read")->required();
+  command->add_option("--legend", options.legend, "Name of a legend in the folder Legends")
+      ->required();
+  command->add_option("--out", options.picture, "The bitmap to write")->required();
+  command->add_option("--help-dir", options.helpDirectory,
+                      "Folder that holds Legends and Palettes (default: the program's own)");
+  command->add_option("--zoom", options.zoom, "Pixels along a cell")->check(CLI::Range(1, 64));
+  command->add_option("--stamp", options.stamp, "Text for the top left corner");
+  command
+      ->add_option("--fine", options.fine, "Cells along a coarse block; one value for each block")
+      ->check(CLI::Range(1, 1024));
+  command->footer(
+      "Example: quillaven draw landuse.asc --legend Landuse --zoom 2 --out landuse.bmp");
+  command->callback([&options] { Draw(options); });
+}
+
+void AddInfo(CLI::App &program, std::string &file) {
+  CLI::App *command = program.add_subcommand("info", "Tell what a file holds");
+  command->add_option("file", file, "A grid, legend, palette or bitmap")->required();
+  command->footer("Example: quillaven info landuse.asc");
+  command->callback([&file] { Info(file); });
+}
+
+void AddDemo(CLI::App &program, DemoOptions &options) {
+  CLI::App *command =
+      program.add_subcommand("demo", "Show the library on the land use of a country");
+  command->add_option("--out", options.out, "Folder for the files that are written")
+      ->capture_default_str();
+  command->footer("Example: quillaven demo --out pictures");
+  command->callback([&options] { Demo(options); });
+}
+
+// Every failure is one line and a status; help and version end well.
+int Fail(std::string const &why, int status) {
+  std::fprintf(stderr, "quillaven: %s\n", OneLine(why).c_str());
+  return status;
+}
+
+}  // namespace
+
+int main(int argc, char **argv) {
+  DrawOptions draw;
+  DemoOptions demo;
+  std::string file;
+  CLI::App program("Rasters at two scales, legends and pictures", "quillaven");
+  program.set_version_flag("--version", QUILLAVEN_VERSION);
+  program.require_subcommand(0, 1);  // none is told below, in words of our own
+  AddDraw(program, draw);
+  AddInfo(program, file);
+  AddDemo(program, demo);
+
+  try {
+    program.parse(argc, argv);
+    if (program.get_subcommands().empty())
+      return Fail("a command is required (quillaven --help tells more)", kBadArguments);
+  } catch (CLI::ParseError const &e) {
+    if (e.get_exit_code() == 0) return program.exit(e);
+    return Fail(std::string(e.what()) + " (quillaven --help tells more)", kBadArguments);
+  } catch (std::bad_alloc const &) {
+    return Fail("not enough memory", kCommandFailed);
+  } catch (std::exception const &e) {
+    return Fail(e.what(), kCommandFailed);
+  } catch (std::string const &text) {
+    return Fail(text, kCommandFailed);
+  }
+  return 0;
+}
