@@ -1,0 +1,136 @@
+// The library's layers: every include goes down, and nothing above platform knows the machine.
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <regex>
+#include <set>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+fs::path const kRoot = QUILLAVEN_SOURCE_DIR;
+
+std::vector<fs::path> SourcesOf(fs::path const &folder) {
+  std::vector<fs::path> sources;
+  for (auto const &entry : fs::recursive_directory_iterator(kRoot / folder)) {
+    std::string const extension = entry.path().extension().string();
+    if (extension == ".h" || extension == ".cpp")
+      sources.push_back(fs::relative(entry.path(), kRoot));
+  }
+  std::sort(sources.begin(), sources.end());
+  return sources;
+}
+
+std::vector<std::string> LinesOf(fs::path const &source) {
+  std::ifstream file(kRoot / source);
+  std::vector<std::string> lines;
+  for (std::string line; std::getline(file, line);) lines.push_back(line);
+  return lines;
+}
+
+// The layer number of each folder or unit that layers.txt names.
+std::map<std::string, int> ReadLayers() {
+  std::map<std::string, int> layers;
+  int layer = 0;
+  for (std::string const &line : LinesOf("tests/layers.txt")) {
+    if (line.empty() || line[0] == '#') continue;
+    std::istringstream names(line);
+    for (std::string name; names >> name;) layers[name] = layer;
+    ++layer;
+  }
+  return layers;
+}
+
+// A path below quillaven/ as a unit: maps/base_map.h and maps/base_map_test.cpp are maps/base_map.
+std::string UnitOf(std::string path) {
+  path = std::regex_replace(path, std::regex("\\.(h|cpp)$"), "");
+  return std::regex_replace(path, std::regex("(_internal|_test)+$"), "");
+}
+
+int LayerOf(std::map<std::string, int> const &layers, std::string const &path) {
+  if (auto unit = layers.find(UnitOf(path)); unit != layers.end()) return unit->second;
+  auto folder = layers.find(path.substr(0, path.find('/')));
+  return folder == layers.end() ? -1 : folder->second;
+}
+
+std::regex const kOwnInclude("^\\s*#\\s*include\\s*[<\"]quillaven/([^>\"]+)[>\"].*");
+std::regex const kAnyInclude("^\\s*#\\s*include\\s*[<\"]([^>\"]+)[>\"].*");
+
+TEST(IncludeDirections, NoIncludeRunsUpwards) {
+  std::map<std::string, int> const layers = ReadLayers();
+  int checked = 0;
+  for (fs::path const &source : SourcesOf("quillaven")) {
+    std::string const own = fs::relative(source, "quillaven").generic_string();
+    if (own == "quillaven.h") continue;
+    int const from = LayerOf(layers, own);
+    ASSERT_GE(from, 0) << own << " lies in no layer of tests/layers.txt";
+    for (std::string const &line : LinesOf(source)) {
+      std::smatch match;
+      if (!std::regex_match(line, match, kOwnInclude)) continue;
+      ++checked;
+      EXPECT_LE(LayerOf(layers, match[1]), from) << own << " includes " << match[1];
+    }
+  }
+  EXPECT_GT(checked, 50);
+}
+
+TEST(IncludeDirections, NothingAbovePlatformTestsForASystemOrNamesASystemHeader) {
+  std::set<std::string> const allowed{"gtest/gtest.h", "gmock/gmock.h"};
+  std::regex const systemTest(".*(_WIN32|__linux__|__unix__|__APPLE__|_MSC_VER|__MINGW32__).*");
+  int checked = 0;
+  for (fs::path const &source : SourcesOf("quillaven")) {
+    std::string const own = fs::relative(source, "quillaven").generic_string();
+    if (own.starts_with("platform/")) continue;
+    for (std::string const &line : LinesOf(source)) {
+      EXPECT_FALSE(std::regex_match(line, systemTest)) << own << ": " << line;
+      std::smatch match;
+      if (!std::regex_match(line, match, kAnyInclude)) continue;
+      ++checked;
+      std::string const header = match[1];
+      // The standard library's headers have no extension, the system's have one.
+      bool const ours = header.starts_with("quillaven/") || header.starts_with("tests/support/");
+      EXPECT_TRUE(ours || allowed.contains(header) || header.find('.') == std::string::npos)
+          << own << " includes " << header;
+    }
+  }
+  EXPECT_GT(checked, 50);
+}
+
+bool IsPublicHeader(fs::path const &source) {
+  std::string const name = source.filename().string();
+  return name.ends_with(".h") && !name.ends_with("_internal.h");
+}
+
+TEST(PublicHeaders, AreAllNamedByTheOneHeaderForEverything) {
+  std::set<std::string> named;
+  for (std::string const &line : LinesOf("quillaven/quillaven.h")) {
+    std::smatch match;
+    if (std::regex_match(line, match, kOwnInclude)) named.insert(match[1]);
+  }
+  std::set<std::string> found;
+  for (fs::path const &source : SourcesOf("quillaven")) {
+    std::string const own = fs::relative(source, "quillaven").generic_string();
+    if (IsPublicHeader(source) && own != "quillaven.h") found.insert(own);
+  }
+  EXPECT_EQ(named, found);
+}
+
+TEST(PublicHeaders, AreShortAndOpenWithAComment) {
+  for (fs::path const &source : SourcesOf("quillaven")) {
+    if (!IsPublicHeader(source)) continue;
+    std::vector<std::string> const lines = LinesOf(source);
+    EXPECT_LT(lines.size(), 300U) << source;
+    ASSERT_FALSE(lines.empty()) << source;
+    EXPECT_TRUE(lines[0].starts_with("// ")) << source;
+  }
+}
+
+}  // namespace

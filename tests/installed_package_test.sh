@@ -1,0 +1,41 @@
+#!/usr/bin/env bash
+# Installs the library into an empty prefix and builds a program outside the tree against it, once
+# through find_package and once through pkg-config.
+#   installed_package_test.sh BUILD-FOLDER COMPILER FLAGS
+set -euo pipefail
+
+build=$1
+compiler=$2
+flags=${3:-}
+here=$(cd "$(dirname "$0")" && pwd)
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+expected="1.5 2.5 1.5"
+
+check() {
+  local answer
+  answer=$("$1")
+  if [ "$answer" != "$expected" ]; then
+    echo "$2: got '$answer', expected '$expected'" >&2
+    exit 1
+  fi
+  echo "$2: $answer"
+}
+
+cmake --install "$build" --prefix "$work/prefix" > /dev/null
+! find "$work/prefix" -name '*_internal.h' | grep . || { echo "internal headers are installed" >&2; exit 1; }
+
+cp -r "$here/package" "$work/source"
+cmake -S "$work/source" -B "$work/build" -DCMAKE_PREFIX_PATH="$work/prefix" \
+  -DCMAKE_CXX_COMPILER="$compiler" -DCMAKE_CXX_FLAGS="$flags" > /dev/null
+cmake --build "$work/build" > /dev/null
+check "$work/build/consumer" "find_package"
+
+PKG_CONFIG_PATH=$(dirname "$(find "$work/prefix" -name QuillavenLib.pc)")
+export PKG_CONFIG_PATH
+read -ra options <<< "$(pkg-config --cflags --libs QuillavenLib)"
+# shellcheck disable=SC2086
+"$compiler" $flags -std=c++20 "$here/package/consumer.cpp" "${options[@]}" -o "$work/consumer"
+LD_LIBRARY_PATH=$(pkg-config --variable=libdir QuillavenLib)
+export LD_LIBRARY_PATH
+check "$work/consumer" "pkg-config"

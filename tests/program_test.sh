@@ -1,0 +1,108 @@
+#!/usr/bin/env bash
+# Runs the command-line program as a person would, and looks at what it prints, writes and returns.
+#   program_test.sh PROGRAM SOURCE-FOLDER
+set -uo pipefail
+
+program=$1
+source=$2
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+cd "$work" || exit 1
+checks=0
+failures=0
+
+fail() {
+  echo "FAILED: $1" >&2
+  failures=$((failures + 1))
+}
+
+# expect_line TEXT STATUS ARGUMENT...: one line on standard error that holds the text, that status, and
+# nothing on standard output.
+expect_line() {
+  local text=$1 status=$2
+  shift 2
+  checks=$((checks + 1))
+  "$program" "$@" > out.txt 2> err.txt
+  local got=$?
+  [ "$got" -eq "$status" ] || fail "$*: status $got, expected $status"
+  [ "$(wc -l < err.txt)" -eq 1 ] || fail "$*: $(wc -l < err.txt) lines on standard error: $(cat err.txt)"
+  [ ! -s out.txt ] || fail "$*: wrote to standard output"
+  grep -qF -- "$text" err.txt || fail "$*: '$text' expected in '$(cat err.txt)'"
+}
+
+# expect_output TEXT ARGUMENT...: success, with a line of standard output that holds the text.
+expect_output() {
+  local text=$1
+  shift
+  checks=$((checks + 1))
+  "$program" "$@" > out.txt 2> err.txt || fail "$*: status $?, $(cat err.txt)"
+  grep -qF -- "$text" out.txt || fail "$*: '$text' expected in: $(cat out.txt)"
+  [ ! -s err.txt ] || fail "$*: wrote to standard error: $(cat err.txt)"
+}
+
+expect_same() {
+  checks=$((checks + 1))
+  [ "$2" = "$3" ] || fail "$1: '$2', expected '$3'"
+}
+
+grid=$source/data/liechtenstein/landuse.asc
+small=$source/docs/formats/examples/small.asc
+help_dir=$source/docs/formats/examples
+
+# Arguments
+expect_line "a command is required" 2
+expect_line "paint" 2 paint
+expect_line "--legend is required" 2 draw "$small" --out a.bmp
+expect_line "--zoom" 2 draw "$small" --legend Intervals --out a.bmp --zoom 0
+expect_line "--fine" 2 draw "$small" --legend Intervals --out a.bmp --fine many
+expect_output "Usage:" --help
+expect_output "Example: quillaven draw" draw --help
+expect_output "." --version
+
+# Files that cannot be read
+expect_line "cannot open 'none.asc': No such file or directory" 1 draw none.asc --legend Landuse --out a.bmp
+expect_line "there is no legend 'None'" 1 draw "$small" --legend None --out a.bmp
+expect_line "is a folder" 1 info .
+: > empty.asc
+expect_line "is empty" 1 info empty.asc
+expect_line "is no ASCII grid" 1 draw empty.asc --legend Landuse --out a.bmp
+head -c 400 "$grid" > cut.asc
+expect_line "ends before its last cell" 1 draw cut.asc --legend Landuse --out a.bmp
+printf '\000\001\002binary\377' > binary.dat
+expect_line "of no kind that is known" 1 info binary.dat
+expect_line "Save bitmap: No such file or directory" 1 draw "$small" --legend Intervals --help-dir "$help_dir" \
+  --out nowhere/a.bmp
+printf '[IDRISI]' > cut.smp
+expect_same "no picture is left of all that" "$(ls ./*.bmp 2>/dev/null)" ""
+
+# Drawing: 2 rows of 3 cells at zoom 2 are 4 rows of 6 pixels, padded to 8 bytes
+checks=$((checks + 1))
+"$program" draw "$small" --legend Intervals --help-dir "$help_dir" --zoom 2 --out small.bmp || fail "draw"
+expect_same "size of a small bitmap" "$(stat -c %s small.bmp)" "$((1078 + 4 * 8))"
+expect_output "width     6" info small.bmp
+# A last line without a line feed is drawn all the same
+head -c -1 "$small" > open.asc
+checks=$((checks + 1))
+"$program" draw open.asc --legend Intervals --help-dir "$help_dir" --zoom 2 --out open.bmp || fail "open.asc"
+expect_same "the same picture" "$(cksum < open.bmp)" "$(cksum < small.bmp)"
+
+# Info
+expect_output "rows      992" info "$grid"
+expect_output "        8 49304 cells" info "$grid"
+expect_output "-9999 (239398 cells)" info "$grid"
+expect_output "colours   3" info "$source/docs/formats/examples/Palettes/Primary.smp"
+expect_output "   12   90  90  95  transport areas" info "$source/data/Legends/Landuse.txt"
+expect_output "    1    0 255   0  high" info "$source/docs/formats/examples/Legends/Version1.txt"
+
+# The demo, twice, with the same bytes
+expect_output "all 496000 cells agree" demo --out first
+expect_same "files of the demo" "$(ls first | wc -l)" 6
+sed 's/first/second/' out.txt > first.txt
+expect_output "11  water                         2448 cells" demo --out second
+expect_same "what it prints" "$(cat out.txt)" "$(cat first.txt)"
+checks=$((checks + 1))
+diff -r first second || fail "the demo writes other bytes the second time"
+expect_line "cannot make folder" 1 demo --out small.bmp/under-a-file
+
+echo "$checks checks, $failures failures"
+[ "$failures" -eq 0 ]
