@@ -323,10 +323,8 @@ bool CMapLegend::RangeOfIntervals(double &minimum, double &maximum) const {
   if (m_Lo.size() != m_Hi.size()) return false;
   int count = 0;
   for (std::size_t i = 0; i < m_Lo.size(); ++i) {
-    double const lo = m_Lo[i];
-    double const hi = m_Hi[i];
-    if (!(lo > kNoLowerEnd && hi < kNoUpperEnd)) continue;
-    double const middle = (lo + hi) * 0.5;
+    if (!(m_Lo[i] > kNoLowerEnd && m_Hi[i] < kNoUpperEnd)) continue;
+    double const middle = (m_Lo[i] + m_Hi[i]) * 0.5;
     minimum = count == 0 ? middle : std::min(minimum, middle);
     maximum = count == 0 ? middle : std::max(maximum, middle);
     ++count;

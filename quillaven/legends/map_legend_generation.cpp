@@ -62,8 +62,8 @@ std::string CMapLegend::GeneratedName(int index) const {
   float const lo = Lo(index);
   float const hi = Hi(index);
   auto const number = [this](double value) { return WithDecimals(m_nDecimals, value); };
-  bool const noLowerEnd = static_cast<double>(lo) <= kNoLowerEnd;
-  bool const noUpperEnd = static_cast<double>(hi) >= kNoUpperEnd;
+  bool const noLowerEnd = lo <= kNoLowerEnd;
+  bool const noUpperEnd = hi >= kNoUpperEnd;
   if (noLowerEnd && noUpperEnd) return "-INF ... INF";
   if (noLowerEnd) return "-INF ... " + number(hi);
   if (noUpperEnd) return number(lo) + " ... INF";

@@ -13,8 +13,9 @@ constexpr int kExplicitIntervals = 2;  // what the library stores in StateScale 
 constexpr int kNamesOfTheirOwn = 3;    // StateLabel
 constexpr int kRangeLabel = 4;         // StateLabel
 
-constexpr double kNoLowerEnd = -1e36;
-constexpr double kNoUpperEnd = 1e36;
+// Bounds are floats, and so are these: a bound that is written as 1e36 is open.
+constexpr float kNoLowerEnd = -1e36F;
+constexpr float kNoUpperEnd = 1e36F;
 
 /// The size of a list of so many classes.
 int ListSize(int classes);
