@@ -1,5 +1,7 @@
 #include <algorithm>
 #include <cstdint>
+#include <utility>
+#include <vector>
 
 #include <quillaven/raster/raster_access_internal.h>
 #include <quillaven/raster/raster_operations.h>
@@ -43,11 +45,78 @@ void WalkBlocks(CMultiScaleMatrix<T> const &raster, Coarse coarse, Fine fine) {
   }
 }
 
+// The cells of fine blocks that lie beyond the raster's edge. Nobody can address them; they keep
+// what they hold while the pool is written in one go.
+template <class T>
+class CellsBeyondTheEdge {
+ public:
+  explicit CellsBeyondTheEdge(CMultiScaleMatrix<T> const &raster) {
+    int const width = raster.W();
+    CFineIndex const &index = CRasterAccess::FineIndex(raster);
+    for (int blockRow = 0; blockRow < index.Rows(); ++blockRow) {
+      int const height = std::min(width, raster.NRows() - blockRow * width);
+      bool const lastRow = height < width;
+      int const lastCol = raster.NCols() % width > 0 ? index.Cols() - 1 : index.Cols();
+      for (int blockCol = lastRow ? 0 : lastCol; blockCol < index.Cols(); ++blockCol)
+        if (std::int32_t const entry = index[blockRow][blockCol]; entry != 0)
+          Keep(raster, entry, height, std::min(width, raster.NCols() - blockCol * width));
+    }
+  }
+  void Restore() const {
+    for (auto const &[cell, value] : m_cells) *cell = value;
+  }
+
+ private:
+  void Keep(CMultiScaleMatrix<T> const &raster, std::int32_t entry, int height, int count) {
+    for (int i = 0; i < raster.W(); ++i) {
+      T *row = CRasterAccess::FineRow(raster, entry, i);
+      for (int j = i < height ? count : 0; j < raster.W(); ++j)
+        m_cells.emplace_back(row + j, row[j]);
+    }
+  }
+
+  std::vector<std::pair<T *, T>> m_cells;
+};
+
+// Sets the coarse blocks of a row to `value(blockCol)`. The cells that belong to fine blocks are
+// written back as they are, which leaves a loop without branches.
+template <class T, class Value>
+void SetCoarseBlocks(CMultiScaleMatrix<T> &raster, int blockRow, Value value) {
+  std::int32_t const *index = CRasterAccess::IndexRow(raster, blockRow);
+  T *cells = CRasterAccess::CoarseRow(raster, blockRow);
+  int const count = CRasterAccess::FineIndex(raster).Cols();
+  for (int blockCol = 0; blockCol < count; ++blockCol) {
+    T const set = value(blockCol);
+    T const kept = cells[blockCol];
+    cells[blockCol] = index[blockCol] == 0 ? set : kept;
+  }
+}
+
+// std::fill_n in steps of a fixed count, which the compiler turns into a few wide stores.
+template <class T>
+void FillRun(T *cells, std::size_t count, T value) {
+  constexpr std::size_t kStep = 64;
+  for (; count >= kStep; cells += kStep, count -= kStep) std::fill_n(cells, kStep, value);
+  std::fill_n(cells, count, value);
+}
+
+// At two scales the pool is filled in the order of its storage, free slots and all, which is
+// several times faster than block by block.
 template <class T>
 void Assign(CMultiScaleMatrix<T> &matrix, T value) {
-  WalkBlocks(
-      matrix, [value](int, int, T &cell) { cell = value; },
-      [value](int, int, T *cells, int count) { std::fill_n(cells, count, value); });
+  if (matrix.NRows() < 1 || matrix.NCols() < 1) return;
+  if (matrix.W() < 2) {
+    for (int row = 0; row < matrix.NRows(); ++row)
+      FillRun(CRasterAccess::CoarseRow(matrix, row), static_cast<std::size_t>(matrix.NCols()),
+              value);
+    return;
+  }
+  CellsBeyondTheEdge<T> const beyond(matrix);
+  for (int blockRow = 0; blockRow < CRasterAccess::FineIndex(matrix).Rows(); ++blockRow)
+    SetCoarseBlocks(matrix, blockRow, [value](int) { return value; });
+  for (CSmartIOMatrix<T> const &block : CRasterAccess::Pool(matrix).m_Blocks)
+    FillRun(block.m_ppRows[0], static_cast<std::size_t>(block.Cols()), value);
+  beyond.Restore();
 }
 
 template <class T>
@@ -93,7 +162,7 @@ struct PlainSource {
 
 // Cells that the source does not have keep their values.
 template <class T, class Source>
-void Copy(CMultiScaleMatrix<T> &destination, Source source) {
+void CopyByBlocks(CMultiScaleMatrix<T> &destination, Source source) {
   int const rows = destination.NRows();
   int const cols = destination.NCols();
   int const width = std::max(destination.W(), 1);
@@ -108,6 +177,35 @@ void Copy(CMultiScaleMatrix<T> &destination, Source source) {
         int const held = std::min(count, source.Cols() - col);
         if (row < source.Rows() && held > 0) source.Read(row, col, held, cells);
       });
+}
+
+// Whether two rasters of two scales have the same shape with the same blocks in the same slots, as
+// all have that were made under one resolution map.
+template <class T>
+bool AreAlike(CMultiScaleMatrix<T> const &a, CMultiScaleMatrix<T> const &b) {
+  if (a.W() < 2 || a.W() != b.W() || a.NRows() != b.NRows() || a.NCols() != b.NCols()) return false;
+  CFineIndex const &index = CRasterAccess::FineIndex(a);
+  CFineIndex const &other = CRasterAccess::FineIndex(b);
+  for (int row = 0; row < index.Rows(); ++row)
+    if (!std::equal(index[row], index[row] + index.Cols(), other[row])) return false;
+  return true;
+}
+
+template <class T>
+void CopyRaster(CMultiScaleMatrix<T> &destination, CMultiScaleMatrix<T> const &source) {
+  if (&destination == &source) return;
+  if (destination.NCols() < 1 || !AreAlike(destination, source))
+    return CopyByBlocks(destination, RasterSource<T>{source});
+  CellsBeyondTheEdge<T> const beyond(destination);
+  for (int blockRow = 0; blockRow < CRasterAccess::FineIndex(source).Rows(); ++blockRow) {
+    T const *coarse = CRasterAccess::CoarseRow(source, blockRow);
+    SetCoarseBlocks(destination, blockRow, [coarse](int blockCol) { return coarse[blockCol]; });
+  }
+  std::vector<CSmartIOMatrix<T>> const &from = CRasterAccess::Pool(source).m_Blocks;
+  std::vector<CSmartIOMatrix<T>> const &to = CRasterAccess::Pool(destination).m_Blocks;
+  for (std::size_t i = 0; i < std::min(from.size(), to.size()); ++i)
+    std::copy_n(from[i].m_ppRows[0], from[i].Cols(), to[i].m_ppRows[0]);
+  beyond.Restore();
 }
 
 // The sample cells of the blocks along one side: the middle of each whole block, and the middle of
@@ -160,15 +258,15 @@ void UpdateResolutionOfMap(CMultiScaleByteMatrix &map, CMultiScaleByteMatrix &re
 
 void CopyMultiScaleFloatMatrix(CMultiScaleFloatMatrix &destination,
                                CMultiScaleFloatMatrix const &source) {
-  Copy(destination, RasterSource<float>{source});
+  CopyRaster(destination, source);
 }
 void CopyMultiScaleByteMatrix(CMultiScaleByteMatrix &destination,
                               CMultiScaleByteMatrix const &source) {
-  Copy(destination, RasterSource<unsigned char>{source});
+  CopyRaster(destination, source);
 }
 void CopyMultiScaleByteMatrix(CMultiScaleByteMatrix &destination,
                               CSmartIOByteMatrix const &source) {
-  Copy(destination, PlainSource<unsigned char>{source});
+  CopyByBlocks(destination, PlainSource<unsigned char>{source});
 }
 
 void AssignMultiScaleFloatMatrix(CMultiScaleFloatMatrix &matrix, float value) {
