@@ -34,10 +34,12 @@ class CFineBlockPool {
 
   int SlotCount() const { return static_cast<int>(m_SlotFree.size()); }
 
-  /// The W x W cells of a slot, row after row.
+  /// The W x W cells of a slot, row after row. Slots lie from the highest down, as they are dealt:
+  /// a raster whose blocks were refined in row order is walked in the order of its memory.
   T *Cells(int slot) const {
-    return m_Blocks[static_cast<std::size_t>(slot) / kSlotsPerBlock].m_ppRows[0] +
-           static_cast<std::size_t>(slot) % kSlotsPerBlock * m_nBlockCells;
+    auto const k = static_cast<std::size_t>(slot);
+    std::size_t const place = k % kSlotsPerBlock ^ (kSlotsPerBlock - 1);
+    return m_Blocks[k / kSlotsPerBlock].m_ppRows[0] + place * m_nBlockCells;
   }
 
   /// Provides zeroed storage behind every slot below a number, without making them slots: an index
