@@ -21,6 +21,7 @@ constexpr unsigned char kNoData = 255;
 // Classes of the legend "Landuse".
 constexpr int kResidential = 1;
 constexpr int kPublicFacilities = 3;
+constexpr int kUrbanGreen = 4;
 constexpr int kArableLand = 5;
 constexpr int kForest = 8;
 constexpr int kTransport = 12;
@@ -272,9 +273,9 @@ void Demo(DemoOptions const &options) {
   output.Draw(map, "4-painted-block.bmp", 8, Around(raster, wood), "a block");
 
   progress.Step("filling an area");
-  Cell const start = FindCell(raster, kForest, {raster.NRows() * 2 / 3, raster.NCols() / 2});
+  // A fill walks from cell to cell, so it is at home where blocks are fine: in a settlement.
   progress.Clear();
-  FillOne(map, raster, start, kArableLand);
+  FillOne(map, raster, FindCell(raster, kResidential, {house.row + 1, 0}), kUrbanGreen);
   output.Draw(map, "5-filled-area.bmp", 1, Whole(raster), "filled");
 
   progress.Step("writing the edited grid");

@@ -83,6 +83,7 @@ class CellSet {
 // A cell in the queue of a fill. The column has 10 bits: column 1024 is column 0 of the next row.
 // That limit is a property of the operation and stays.
 constexpr std::uint32_t kColumns = 1024;
+constexpr int kMostColumns = 1024;
 
 std::uint32_t CellCode(int row, int col) {
   return static_cast<std::uint32_t>(row) * kColumns + static_cast<std::uint32_t>(col);
@@ -220,13 +221,19 @@ void CMatrixBaseMap<T>::PaintArea(int startRow, int startCol, int old, T value) 
     return GetCellLegendIndex(row, col) == old && !painted.Has(row, col);
   };
 
+  // What was queued had the class then. It may have lost it only by a block painted through another
+  // cell, by jitter, or by a column that the queue cannot hold.
+  bool const staysAsQueued = m_pMatrix->W() < 2 && !m_bJitter && m_nCols <= kMostColumns;
+
   std::deque<std::uint32_t> queue{CellCode(startRow, startCol)};
   while (!queue.empty()) {
     std::uint32_t const code = queue.front();
     queue.pop_front();
     int const row = static_cast<int>(code / kColumns);
     int const col = static_cast<int>(code % kColumns);
-    if (!matches(row, col)) continue;
+    bool const paint = staysAsQueued ? IsOnRaster(m_pMatrix, row, col) && !painted.Has(row, col)
+                                     : matches(row, col);
+    if (!paint) continue;
     m_pMatrix->At(row, col) = value;
     painted.Add(row, col);
     if (row - 1 >= 0 && matches(row - 1, col)) queue.push_back(code - kColumns);

@@ -49,8 +49,9 @@ class CMatrixBaseMap : public CBaseMap {
   /// Paints all cells of one class around a start, four-connected, breadth first: up, right, down,
   /// left. Nothing at all happens if the start has the selected item already, not even the end of
   /// the wait cursor. Maps of more than 1024 columns are not filled correctly: a column is held in
-  /// 10 bits. A cell is painted at most once. Costs a bit for each cell and a queue that is reused
-  /// as it empties.
+  /// 10 bits. A coarse block is painted whole through the cell that the fill came to, and left only
+  /// to that cell's neighbours. A cell is painted at most once. Costs a bit for each cell and a
+  /// queue.
   void FillArea(int row, int col) override;
 
   /// The scale of the block of a cell, as the raster has it.
