@@ -2,8 +2,8 @@
 //
 //   std::ifstream file(SystemPath(name));
 //   if (!file) {
-//     NoSuchFile(name);      // a box: "Error: Cannot open file", the file, the directory, the
-//     reason return false;
+//     NoSuchFile(name);      // a box: "Error: Cannot open file", the file, the directory, the reason
+//     return false;
 //   }
 //
 // A thrown failure is a plain std::string, by value, whose text is the whole message. The report

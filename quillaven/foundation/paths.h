@@ -1,8 +1,7 @@
 // Names of files: relative, full and short forms, checks, and directories.
 //
 //   CString stored = GetRelativePath("C:\\Data\\map.txt", "C:\\Data\\Sub\\x.img");  // .\sub\x.img
-//   CString opened = GetFullPath("C:\\Data\\map.txt", stored);                      //
-//   C:\Data\sub\x.img
+//   CString opened = GetFullPath("C:\\Data\\map.txt", stored);  // C:\Data\sub\x.img
 //
 // The only separator is the backslash; a slash means nothing here. A drive is the first two
 // characters. Bases are paths of files, not of directories. Names meet the file system through

@@ -1,8 +1,9 @@
 // The maps over rasters: they show cells through a legend, let a user paint cells and fill areas,
 // and hand the raster to the file code.
 //
-//   CMultiScaleByteMatrix raster;                    // must outlive the map; a copy of the map
-//   shares it CByteMatrixBaseMap map; map.Attach("Landuse", "Land use", &raster, "Landuse.txt");
+//   CMultiScaleByteMatrix raster;                    // must outlive the map; a copy shares it
+//   CByteMatrixBaseMap map;
+//   map.Attach("Landuse", "Land use", &raster, "Landuse.txt");
 //   map.m_nSelectedItem = 8;
 //   map.FillArea(120, 340);                          // paints the class around that cell
 //

@@ -1,8 +1,8 @@
 // A file that is made anew, or replaces one, and written in pieces.
 //
 //   NewFile file(SystemPath(name).c_str());
-//   bool written = file.IsOpen() && file.Write(header, 14) && file.Write(pixels, size) &&
-//   file.Close(); if (!written) throw FormatError(name, LastSystemError());
+//   bool written = file.IsOpen() && file.Write(header, 14) && file.Write(pixels, size) && file.Close();
+//   if (!written) throw FormatError(name, LastSystemError());
 //
 // After a failure the last error of the system is the reason, and what was written stays.
 

@@ -1,7 +1,7 @@
 // Where names with backslashes meet the file system of this machine.
 //
-//   std::ifstream file(SystemPath("Legends\\Landuse.txt"));      // Legends/landuse.txt is found
-//   too CString base = LibraryPath("/data/maps/net.txt").c_str();    // \data\maps\net.txt
+//   std::ifstream file(SystemPath("Legends\\Landuse.txt"));   // Legends/landuse.txt is found too
+//   CString base = LibraryPath("/data/maps/net.txt").c_str();  // \data\maps\net.txt
 //
 // Stored names keep the backslash on every machine. On Windows both functions change nothing.
 

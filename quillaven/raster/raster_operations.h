@@ -1,7 +1,7 @@
 // Operations over a whole raster, and the two defaults that every later Redim follows.
 //
-//   CMultiScaleByteMatrix pattern;               // its fine blocks are the pattern; values mean
-//   nothing DefaultFineResolution(8);                    // what readers of rasters pass to Redim
+//   CMultiScaleByteMatrix pattern;               // its fine blocks are the pattern, values mean nothing
+//   DefaultFineResolution(8);                    // what readers of rasters pass to Redim
 //   DefaultResolutionMap(&pattern);              // kept by the caller; clear it before it goes
 //   MultiScaleFloatMatrixEvalMapFunc(raster, function);
 //   UpdateResolutionOfMap(raster, pattern, 8);   // after the pattern has changed
