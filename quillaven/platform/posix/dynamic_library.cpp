@@ -2,6 +2,7 @@
 #include <dlfcn.h>
 #include <filesystem>
 #include <link.h>
+#include <unistd.h>
 
 #include <quillaven/platform/dynamic_library_internal.h>
 
@@ -15,11 +16,12 @@ std::string WithDirectory(std::string const &path) {
   return bare && std::filesystem::exists(path, ignored) ? "./" + path : path;
 }
 
-// Where nothing was missing and the loader still refuses, the file is no library.
+// The loader leaves no error number: the reason is why the file cannot be read, or that what can be
+// read is no library for this process.
 void *Load(std::string const &path) {
-  errno = 0;
-  void *module = ::dlopen(WithDirectory(path).c_str(), RTLD_NOW | RTLD_LOCAL);
-  if (module == nullptr && errno == 0) errno = ENOEXEC;
+  std::string const file = WithDirectory(path);
+  void *module = ::dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL);
+  if (module == nullptr && ::access(file.c_str(), R_OK) == 0) errno = ENOEXEC;
   return module;
 }
 
