@@ -11,6 +11,7 @@ namespace {
 constexpr std::size_t kLargestObject = std::numeric_limits<std::ptrdiff_t>::max();
 
 std::atomic<long> g_allocations{0};
+std::atomic<long> g_failing{0};  // by its count; 0 for none
 std::atomic<std::size_t> g_refusedFrom{kLargestObject};
 
 void *Allocate(std::size_t size) {
@@ -23,12 +24,19 @@ long AllocationCount() {
   return g_allocations;
 }
 
+FailingAllocation::FailingAllocation(long n) {
+  g_failing = g_allocations + n;
+}
+FailingAllocation::~FailingAllocation() {
+  g_failing = 0;
+}
+
 void RefuseAllocationsFrom(std::size_t bytes) {
   g_refusedFrom = bytes > 0 ? bytes : kLargestObject;
 }
 
 void *operator new(std::size_t size) {
-  ++g_allocations;
+  if (++g_allocations == g_failing) throw std::bad_alloc();
   for (;;) {
     if (void *memory = Allocate(size)) return memory;
     std::new_handler const handler = std::get_new_handler();
