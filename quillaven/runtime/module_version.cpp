@@ -4,6 +4,7 @@
 #include <string>
 
 #include <quillaven/platform/dynamic_library_internal.h>
+#include <quillaven/platform/system_paths.h>
 #include <quillaven/runtime/module_version.h>
 
 namespace {
@@ -21,6 +22,10 @@ struct FoundValue {
   std::size_t length = 0;
 };
 
+void *FindModule(char const *module) {
+  return module != nullptr ? LoadedModule(SystemPath(module).c_str()) : LoadedModule(nullptr);
+}
+
 FoundValue Find(std::vector<unsigned char> const &block, char const *query) {
   void const *value = nullptr;
   unsigned int length = 0;
@@ -35,7 +40,7 @@ CModuleVersion::~CModuleVersion() = default;
 int CModuleVersion::GetFileVersionInfoA(char const *module) {
   m_CodePage = kDefaultCodePage;
   static_cast<tagVS_FIXEDFILEINFO &>(*this) = {};
-  void *const loaded = LoadedModule(module);
+  void *const loaded = FindModule(module);
   if (loaded == nullptr) return false;
   std::string const path = ModulePath(loaded, kPathLimit);
   if (path.empty()) return false;
@@ -74,7 +79,7 @@ CString CModuleVersion::GetValue(char const *key) const {
 }
 
 int CModuleVersion::DllGetVersion(char const *module, _DllVersionInfo &info) {
-  void *const loaded = LoadedModule(module);
+  void *const loaded = FindModule(module);
   if (loaded == nullptr) return false;
   _DllVersionInfo record{};
   record.cbSize = sizeof record;

@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 
 #include <quillaven/platform/dynamic_library_internal.h>
+#include <quillaven/platform/system_paths.h>
 #include <quillaven/runtime/module_version.h>
 
 #include "tests/support/temporary_directory.h"
@@ -331,6 +332,11 @@ TEST_F(VersionEntry, IsGivenAnEmptyRecordOf20BytesAndFillsIt) {
 TEST_F(VersionEntry, IsFoundByTheNameOfALoadedLibrary) {
   DynamicLibrary const library(COMPONENT_REGISTERING);
   EXPECT_TRUE(Ask(fs::path(COMPONENT_REGISTERING).filename().string().c_str()));
+}
+
+TEST_F(VersionEntry, IsFoundByAPathWithBackslashes) {
+  DynamicLibrary const library(COMPONENT_REGISTERING);
+  EXPECT_TRUE(Ask(LibraryPath(COMPONENT_REGISTERING).c_str()));
 }
 
 TEST_F(VersionEntry, ThatGivesAPositiveResultHasAnswered) {

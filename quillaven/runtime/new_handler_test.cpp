@@ -308,6 +308,11 @@ TEST(LoadOfTheLibrary, InstallsNothingAfterAGuardOfTheApplication) {
             "bad_alloc\nat the end no handler\nstatus 4\n");
 }
 
+TEST(LoadOfTheLibrary, WithoutMemoryForTheGuardLeavesTheProcessAsItWas) {
+  EXPECT_EQ(WrittenBy(LOAD_ACTION_WITHOUT_MEMORY),
+            "at the start no handler, nothing installed\nat the end no handler\nstatus 0\n");
+}
+
 TEST(LoadOfTheLibrary, LetsAProgramAskInAdvance) {
   EXPECT_THAT(WrittenBy(LOAD_ACTION_SHARED + std::string(" check")),
               AllOf(HasSubstr("Quillaven\nNot enough memory to run 'a model'\nTry again with a "

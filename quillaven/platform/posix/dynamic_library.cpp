@@ -40,6 +40,13 @@ void *EntryOf(void *module, char const *name) {
   return owner == MapOf(module) ? entry : nullptr;
 }
 
+// The handle stays valid after this reference is given back, for as long as the module is loaded.
+void *ModuleInMemory(char const *file) {
+  void *module = ::dlopen(file, RTLD_LAZY | RTLD_NOLOAD);
+  if (module != nullptr) ::dlclose(module);
+  return module;
+}
+
 }  // namespace
 
 DynamicLibrary::DynamicLibrary(std::string const &path) : m_module(Load(path)) {}
@@ -48,12 +55,11 @@ DynamicLibrary::~DynamicLibrary() {
   if (m_module != nullptr) ::dlclose(m_module);
 }
 
-// The handle stays valid after this reference is given back, for as long as the module is loaded.
+// A module that is loaded under the name itself comes before a file of that name.
 void *LoadedModule(char const *name) {
-  void *module =
-      ::dlopen(name != nullptr ? WithDirectory(name).c_str() : nullptr, RTLD_LAZY | RTLD_NOLOAD);
-  if (module != nullptr) ::dlclose(module);
-  return module;
+  if (name == nullptr) return ModuleInMemory(nullptr);
+  void *const module = ModuleInMemory(name);
+  return module != nullptr ? module : ModuleInMemory(WithDirectory(name).c_str());
 }
 
 std::string ModulePath(void *module, std::size_t limit) {

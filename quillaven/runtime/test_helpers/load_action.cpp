@@ -37,6 +37,13 @@ std::unique_ptr<CNewHandlerInstaller> guard BEFORE_LOAD =
 std::unique_ptr<CNewHandlerInstaller> guard;
 #endif
 
+#if defined(NO_MEMORY_AT_LOAD)
+struct MemoryShortage {
+  MemoryShortage() { RefuseAllocationsFrom(sizeof(CNewHandlerInstaller)); }
+};
+MemoryShortage shortage BEFORE_LOAD;
+#endif
+
 int Ask() {
   try {
     ::operator delete(::operator new(std::numeric_limits<std::ptrdiff_t>::max()));
@@ -50,6 +57,7 @@ int Ask() {
 }  // namespace
 
 int main(int argc, char **argv) {
+  RefuseAllocationsFrom(0);
   if (argc > 1 && std::strcmp(argv[1], "ask") == 0) return Ask();
   if (argc > 1 && std::strcmp(argv[1], "check") == 0) {
     RefuseAllocationsFrom(1000);
