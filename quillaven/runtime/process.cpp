@@ -18,9 +18,9 @@ constexpr unsigned int kWarning = 48;
 
 // A failure of the launchers is both shown and thrown.
 [[noreturn]] void ShowAndThrow(char const *what, char const *command) {
-  std::string text = std::string(what) + command;
+  std::string const text = std::string(what) + command;
   ShowMessageBox(text.c_str(), "WinExecAndWait");
-  throw text;
+  throw std::string(text);
 }
 
 void WarnOfRegistration(std::string const &text) {

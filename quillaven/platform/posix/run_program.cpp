@@ -27,14 +27,15 @@ bool IsProgram(std::string const &path) {
 // A bare name is looked for along PATH, where an empty entry is the working directory. What is not
 // found stays as it is: starting it then fails.
 std::string FindProgram(std::string const &name) {
-  std::string const program = SystemPath(name);
+  std::string program = SystemPath(name);
   if (program.empty() || program.find('/') != std::string::npos) return program;
   char const *variable = std::getenv("PATH");
   std::string const path = variable != nullptr ? variable : kUsualPath;
   for (std::size_t begin = 0; begin <= path.size();) {
     std::size_t const end = std::min(path.find(':', begin), path.size());
-    std::string const directory = end > begin ? path.substr(begin, end - begin) : ".";
-    if (IsProgram(directory + "/" + program)) return directory + "/" + program;
+    std::string candidate = end > begin ? path.substr(begin, end - begin) : ".";
+    candidate.append("/").append(program);
+    if (IsProgram(candidate)) return candidate;
     begin = end + 1;
   }
   return {};
@@ -43,6 +44,7 @@ std::string FindProgram(std::string const &name) {
 // Starts a program; 0 or the error. The failure of a start is known when this returns.
 int Spawn(pid_t &child, std::string const &program, std::vector<std::string> &words) {
   std::vector<char *> arguments;
+  arguments.reserve(words.size() + 1);
   for (std::string &word : words) arguments.push_back(word.data());
   arguments.push_back(nullptr);
   posix_spawn_file_actions_t actions;

@@ -19,7 +19,7 @@ namespace {
 
 // Objects of this kind are made before those without a priority, of which the load action is one,
 // and destroyed after them.
-#define BEFORE_LOAD __attribute__((init_priority(200)))
+constexpr int kBeforeLoad = 200;
 
 char const *StateOfProcess() {
   return std::get_new_handler() != nullptr ? "a handler" : "no handler";
@@ -28,10 +28,10 @@ char const *StateOfProcess() {
 struct TellerAtEnd {
   ~TellerAtEnd() { std::printf("at the end %s\n", StateOfProcess()); }
 };
-TellerAtEnd teller BEFORE_LOAD;
+[[gnu::init_priority(kBeforeLoad)]] TellerAtEnd teller;
 
 #if defined(GUARD_BEFORE_LOAD)
-std::unique_ptr<CNewHandlerInstaller> guard BEFORE_LOAD =
+[[gnu::init_priority(kBeforeLoad)]] std::unique_ptr<CNewHandlerInstaller> guard =
     std::make_unique<CNewHandlerInstaller>(AnsiCPPNewHandler);
 #else
 std::unique_ptr<CNewHandlerInstaller> guard;
@@ -41,7 +41,7 @@ std::unique_ptr<CNewHandlerInstaller> guard;
 struct MemoryShortage {
   MemoryShortage() { RefuseAllocationsFrom(sizeof(CNewHandlerInstaller)); }
 };
-MemoryShortage shortage BEFORE_LOAD;
+[[gnu::init_priority(kBeforeLoad)]] MemoryShortage shortage;
 #endif
 
 int Ask() {
