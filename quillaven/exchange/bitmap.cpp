@@ -27,7 +27,7 @@ namespace {
 constexpr std::size_t kFileHeaderSize = 14;
 constexpr std::size_t kInfoHeaderSize = 40;
 constexpr int kPaletteEntries = 256;
-constexpr std::size_t kInfoSize = kInfoHeaderSize + 4 * kPaletteEntries;
+constexpr std::size_t kInfoSize = kInfoHeaderSize + std::size_t{4} * kPaletteEntries;
 constexpr int kMostColors = kPaletteEntries - 2;  // white and black must find a place
 constexpr unsigned long kWhite = 0xFFFFFF;
 
