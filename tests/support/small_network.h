@@ -1,12 +1,12 @@
 // Small networks, put together as a caller does.
 //
 //   CNetwork network;
-//   AddLink(network, NodeOf(network, 1, 2), NodeOf(network, 3, 4));
+//   AddLinkBetween(network, {1, 2}, {3, 4});
 
 #pragma once
 
 #include <cstdint>
-#include <string>
+#include <utility>
 
 #include <quillaven/network/network.h>
 
@@ -32,6 +32,15 @@ inline unsigned long AddLink(CNetwork &network, unsigned long from, unsigned lon
   network.AddOutLink(network.GetNode(from), link);
   network.AddInLink(network.GetNode(to), link);
   return network.IndexOf(link);
+}
+
+/// The same between two places, whose nodes are made in this order where they are not there.
+inline unsigned long AddLinkBetween(CNetwork &network, std::pair<double, double> from,
+                                    std::pair<double, double> to, unsigned int type = 0,
+                                    unsigned int id = 0) {
+  unsigned long const start = NodeOf(network, from.first, from.second);
+  unsigned long const end = NodeOf(network, to.first, to.second);
+  return AddLink(network, start, end, type, id);
 }
 
 /// Deletes a link as a caller does.
