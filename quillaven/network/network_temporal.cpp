@@ -172,11 +172,13 @@ bool CNetwork::SaveTemporalDataDefinition(char const *file, char const *base) {
     bool const hasFile = InLowerCase(entry.fileName) != kNoFile;
     if (hasFile) {
       std::string const copy = CopyName(file, entry.year);
-      if (!SameName(copy, entry.fileName) && !CopyYearFile(entry.fileName, copy)) {
-        FileError(copy.c_str(), "Binary Network Copy failed");
-        return false;
+      if (!SameName(copy, entry.fileName)) {
+        if (!CopyYearFile(entry.fileName, copy)) {
+          FileError(copy.c_str(), "Binary Network Copy failed");
+          return false;
+        }
+        entry.fileName = copy;
       }
-      if (!SameName(copy, entry.fileName)) entry.fileName = copy;
     }
     if (!hasFile && entry.deltas.empty()) continue;
     CString const name = LibraryPath(entry.fileName).c_str();
