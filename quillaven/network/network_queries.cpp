@@ -2,8 +2,8 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 
-#include <quillaven/foundation/rounding_internal.h>
 #include <quillaven/network/network.h>
 
 namespace {
@@ -25,9 +25,17 @@ CPoint Position(unsigned long x, unsigned long y) {
           static_cast<std::int32_t>(static_cast<std::uint32_t>(y))};
 }
 
-// The coordinates of a node cut to whole numbers, toward zero.
+// Cut to a whole number, toward zero; what no integer holds goes to the nearest end, and what is no
+// number anywhere. The order of the comparisons lets a compiler do without branches.
+std::int32_t Cut(double value) {
+  constexpr double kLowest = std::numeric_limits<std::int32_t>::min();
+  constexpr double kHighest = std::numeric_limits<std::int32_t>::max();
+  double const bounded = value < kHighest ? value : kHighest;
+  return static_cast<std::int32_t>(bounded > kLowest ? bounded : kLowest);
+}
+
 CPoint WholePlace(CNetwork::CNode const &node) {
-  return {Truncated(node.x), Truncated(node.y)};
+  return {Cut(node.x), Cut(node.y)};
 }
 
 }  // namespace
@@ -57,13 +65,14 @@ double dPointToLineSegment(CPoint p, CPoint a, CPoint b) {
 CNetwork::CNode *CNetwork::FindClosestNode(unsigned long x, unsigned long y) {
   CPoint const position = Position(x, y);
   CNode *best = nullptr;
-  double bestDistance = 0.0;
+  // Distances are compared; a square that is not less spares the root, as it cannot give a lesser.
+  double bestSquare = std::numeric_limits<double>::infinity();
   for (std::size_t i = 1; i < nodes.size(); ++i) {
     if (IsUnused(&nodes[i])) continue;
-    double const distance = dPointToPoint(position, WholePlace(nodes[i]));
-    if (best != nullptr && !(distance < bestDistance)) continue;
+    double const square = SquareOf(position, WholePlace(nodes[i]));
+    if (square >= bestSquare || std::sqrt(square) >= std::sqrt(bestSquare)) continue;
     best = &nodes[i];
-    bestDistance = distance;
+    bestSquare = square;
   }
   return best;
 }

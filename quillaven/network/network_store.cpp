@@ -209,14 +209,12 @@ CNetwork::CLink *CNetwork::FindLink(unsigned long from, unsigned long to) {
 
 // FindNode's answer through an index that lives for one operation, in which no caller steps in.
 std::uint32_t CNetwork::FindOrCreateNode(double x, double y, CNodeIndex &index) {
-  std::uint32_t const found = index.Find(x, y);
-  if (found != 0) return found;
+  std::uint32_t const found = index.FindOrAdd(x, y);
+  if (found < nodes.size()) return found;
   CNode *const node = CreateNode();
   node->x = x;
   node->y = y;
-  auto const created = static_cast<std::uint32_t>(IndexOf(node));
-  index.Add(created);
-  return created;
+  return found;
 }
 
 // There is at most one link from a node to another: one that is there takes the type and the id.

@@ -379,20 +379,23 @@ TEST(NetworkNodeIndex, AnswersAsTheWalkDoes) {
     std::mt19937 random(seed);
     auto const draw = [&] { return places[random() % places.size()]; };
     CNetwork network;
-    auto const create = [&] {
+    auto const create = [&](double x, double y) {
       CNetwork::CNode *const node = network.CreateNode();
-      node->x = draw();
-      node->y = draw() + static_cast<double>(random() % 60);
-      return static_cast<std::uint32_t>(network.IndexOf(node));
+      node->x = x;
+      node->y = y;
     };
-    for (int i = 0; i < 30; ++i) create();
+    auto const drawY = [&] { return draw() + static_cast<double>(random() % 60); };
+    for (int i = 0; i < 30; ++i) create(draw(), drawY());
     Access::CNodeIndex index(Access::Nodes(network));
     for (int i = 0; i < 2000; ++i) {
       double const x = draw();
-      double const y = draw() + static_cast<double>(random() % 60);
-      CNetwork::CNode *const expected = network.FindNode(x, y);
-      ASSERT_EQ(index.Find(x, y), expected == nullptr ? 0U : network.IndexOf(expected));
-      index.Add(create());
+      double const y = drawY();
+      CNetwork::CNode *const walked = network.FindNode(x, y);
+      unsigned long const expected = walked == nullptr ? 0 : network.IndexOf(walked);
+      ASSERT_EQ(index.Find(x, y), expected);
+      if (i % 2 == 0) continue;
+      ASSERT_EQ(index.FindOrAdd(x, y), walked == nullptr ? network.NodeCount() : expected);
+      if (walked == nullptr) create(x, y);
     }
   }
 }
