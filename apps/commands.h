@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include <functional>
 #include <string>
 
 struct DrawOptions {
@@ -22,5 +23,8 @@ struct DemoOptions {
 void Draw(DrawOptions const &options);
 /// Prints what a file holds.
 void Info(std::string const &file);
-/// Reads, draws, edits and writes back the land use of a country.
+/// Reads, draws, edits and writes back the land use of a country, and shows its network.
 void Demo(DemoOptions const &options);
+/// Its second half: a country's network over three years. `addFile` gives the path of a file by its
+/// name.
+void DemoNetwork(std::string const &data, std::function<std::string(std::string)> const &addFile);

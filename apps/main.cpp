@@ -8,6 +8,7 @@
 
 #include "apps/commands.h"
 #include "apps/console.h"
+#include "apps/network_options.h"
 
 namespace {
 
@@ -48,6 +49,60 @@ void AddDemo(CLI::App &program, DemoOptions &options) {
   command->callback([&options] { Demo(options); });
 }
 
+CLI::App *AddNetworkCommand(CLI::App &group, char const *name, char const *what,
+                            NetworkOptions &options, void (*run)(NetworkOptions const &)) {
+  CLI::App *command = group.add_subcommand(name, what);
+  command->callback([&options, run] { run(options); });
+  return command;
+}
+
+void AddNetwork(CLI::App &program, NetworkOptions &options) {
+  CLI::App *group = program.add_subcommand("network", "Work on transport networks");
+  group->require_subcommand(1);
+  CLI::Range const types(0, 255);
+
+  CLI::App *command =
+      AddNetworkCommand(*group, "import", "Make a network of vector text, one link type at a time",
+                        options, ImportNetwork);
+  command->add_option("files", options.texts, "Vector text to read")->required();
+  command->add_option("--type", options.type, "Type of the links")->required()->check(types);
+  command->add_option("--add-to", options.network, "A network that the links are added to");
+  command->add_option("--out", options.out, "The network file to write")->required();
+  command->footer(
+      "Example: quillaven network import --type 3 rails.txt --add-to roads.bin --out all.bin");
+
+  command = AddNetworkCommand(*group, "export", "Write the links of one type as vector text",
+                              options, ExportNetwork);
+  command->add_option("network", options.network, "The network file to read")->required();
+  command->add_option("--type", options.type, "Type of the links")->required()->check(types);
+  command->add_option("--out", options.out, "The vector text to write")->required();
+  command->footer("Example: quillaven network export all.bin --type 3 --out rails.txt");
+
+  command = AddNetworkCommand(*group, "report", "Tell how a network is used, and one-way links",
+                              options, ReportNetwork);
+  command->add_option("network", options.network, "The network file to read")->required();
+  command->add_option("--out", options.out, "The file to write (default: standard output)");
+  command->footer("Example: quillaven network report all.bin");
+
+  command =
+      AddNetworkCommand(*group, "years", "Replay the years of a network", options, ReplayYears);
+  command->add_option("definitions", options.definitions, "The definitions file")->required();
+  command->add_option("--year", options.year, "One year (default: each year of the file)");
+  command->footer("Example: quillaven network years network-years.txt --year 1995");
+
+  command = AddNetworkCommand(*group, "nearest", "Find the node and link nearest to a position",
+                              options, FindNearest);
+  command->add_option("network", options.network, "The network file to read")->required();
+  command->add_option("x", options.x, "Whole coordinates")->required();
+  command->add_option("y", options.y, "Whole coordinates")->required();
+  command->footer("Example: quillaven network nearest all.bin 540000 5222000");
+
+  command = AddNetworkCommand(*group, "check", "Look for faults in a network file", options,
+                              CheckNetwork);
+  command->add_option("network", options.network, "The network file to look at")->required();
+  command->footer("Example: quillaven network check all.bin");
+}
+
 // Every failure is one line and a status; help and version end well.
 int Fail(std::string const &why, int status) {
   std::fprintf(stderr, "quillaven: %s\n", OneLine(why).c_str());
@@ -59,6 +114,7 @@ int Fail(std::string const &why, int status) {
 int main(int argc, char **argv) {  // NOLINT: what is thrown while options are set up ends it
   DrawOptions draw;
   DemoOptions demo;
+  NetworkOptions network;
   std::string file;
   CLI::App program("Rasters at two scales, legends and pictures", "quillaven");
   program.set_version_flag("--version", QUILLAVEN_VERSION);
@@ -66,6 +122,7 @@ int main(int argc, char **argv) {  // NOLINT: what is thrown while options are s
   AddDraw(program, draw);
   AddInfo(program, file);
   AddDemo(program, demo);
+  AddNetwork(program, network);
 
   try {
     program.parse(argc, argv);

@@ -94,11 +94,42 @@ expect_output "colours   3" info "$source/docs/formats/examples/Palettes/Primary
 expect_output "   12   90  90  95  transport areas" info "$source/data/Legends/Landuse.txt"
 expect_output "    1    0 255   0  high" info "$source/docs/formats/examples/Legends/Version1.txt"
 
+# Networks: the four types of a country become one file; its figures are those of its makers
+country=$source/data/liechtenstein
+expect_output "country.bin: 9 nodes, 16 links" network import "$country/net0.txt" --type 0 --out country.bin
+for type in 1 2 3; do
+  expect_output "country.bin: " network import "$country/net$type.txt" --type $type --add-to country.bin \
+    --out country.bin
+done
+expect_output "country.bin: no faults" network check country.bin
+expect_output "Allocated 21501 links, used 21500 links: 258000 bytes used 12 bytes wasted" network report country.bin
+expect_output "306 links unidirectional" network report country.bin
+checks=$((checks + 1))
+"$program" network export country.bin --type 3 --out rails.txt || fail "network export"
+expect_same "railways read and written" "$(cksum < rails.txt)" "$(cksum < "$country/net3.txt")"
+expect_output "from node 630 to 631, id 251, type 2" network nearest country.bin 540000 5222000
+expect_output "2000: 3 nodes, 2 links" network years "$help_dir/network-years.txt"
+expect_output "1997: 2 nodes, 2 links" network years "$help_dir/network-years.txt" --year 1997
+expect_line "ubcommand is required" 2 network
+expect_line "--type" 2 network import rails.txt --type 256 --out a.bin
+expect_line "cannot open 'none.txt': No such file or directory" 1 network import none.txt --type 1 --out a.bin
+expect_line "Id of vector expected" 1 network import "$small" --type 1 --out a.bin
+expect_line "Incorrect header of the binary network file" 1 network report rails.txt
+head -c 5000 country.bin > cut.bin
+expect_line "ends before its last record" 1 network nearest cut.bin 0 0
+checks=$((checks + 1))
+"$program" network check "$source/fuzz/corpus/network_binary/circles" > out.txt 2> err.txt && fail "faults end well"
+expect_same "lines of faults" "$(wc -l < out.txt)" 8
+grep -q "has 8 faults" err.txt || fail "faults are not counted"
+
 # The demo, twice, with the same bytes
 expect_output "all 496000 cells agree" demo --out first
-expect_same "files of the demo" "$(ls first | wc -l)" 6
+expect_same "files of the demo" "$(ls first | wc -l)" 10
 sed 's/first/second/' out.txt > first.txt
 expect_output "11  water                         2448 cells" demo --out second
+expect_same "roads of the network" "$(grep -c "Other roads              21218 links of 4451 polylines" out.txt)" 1
+expect_same "one-way roads" "$(grep -c "306 links are one-way, of 81 polylines" out.txt)" 1
+expect_same "the year 1995, forward and back" "$(grep -c "1995  planned  0, roads 21234, railways 266" out.txt)" 2
 expect_same "what it prints" "$(cat out.txt)" "$(cat first.txt)"
 checks=$((checks + 1))
 diff -r first second || fail "the demo writes other bytes the second time"
