@@ -1,0 +1,165 @@
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstddef>
+
+#include <quillaven/functions/spline.h>
+#include <quillaven/functions/spline_solver_internal.h>
+#include <quillaven/platform/application.h>
+#include <quillaven/platform/dialog_internal.h>
+
+namespace {
+
+constexpr double kStep = 10.0;
+constexpr double kThird = 0.3333333333333333;
+
+// The square roots of the sums of two squares.
+constexpr std::array<float, 30> kRoots{
+    0.0F,    1.0F,    1.4142F, 2.0F,    2.2361F, 2.8284F, 3.0F,    3.1623F, 3.6056F, 4.0F,
+    4.1231F, 4.2426F, 4.4721F, 5.0F,    5.099F,  5.3852F, 5.6569F, 5.831F,  6.0F,    6.0828F,
+    6.3246F, 6.4031F, 6.7082F, 7.0F,    7.0711F, 7.2111F, 7.2801F, 7.6158F, 7.8102F, 8.0F};
+
+// The line through two points at x.
+float OnLine(float x, double ax, double ay, double bx, double by) {
+  return static_cast<float>((x - ax) / (bx - ax) * (by - ay) + ay);
+}
+
+// Walks through neighbouring elements from `first` on to the pair that holds x. Two elements of one
+// x are a vertical step, whose middle is the answer. If no pair holds x the answer is the last y,
+// even for an x left of the first element: samples of a curve may begin a rounding behind it. The
+// walk is plain, as the order in which pairs are met decides at a repeated x.
+template <class X, class Y>
+float Search(float x, std::size_t first, std::size_t size, X xAt, Y yAt) {
+  for (std::size_t b = first + 1; b < size; ++b) {
+    if (x <= xAt(b) && x >= xAt(b - 1)) {
+      std::size_t const a = b - 1;
+      if (xAt(a) == xAt(b)) return static_cast<float>((yAt(a) + yAt(b)) * 0.5);
+      return OnLine(x, xAt(a), yAt(a), xAt(b), yAt(b));
+    }
+  }
+  return static_cast<float>(yAt(size - 1));
+}
+
+// What the application shows; without a screen nobody ever presses its buttons.
+class CSplineDialog : public CDialog {
+ public:
+  explicit CSplineDialog(CSpline const &table) : m_Table(table) {}
+  CSpline const &Table() const { return m_Table; }
+
+ private:
+  CSpline m_Table;
+};
+
+}  // namespace
+
+bool CSpline::GetAt(int index, double *x, double *y) const {
+  if (x == nullptr || y == nullptr || index < 0 || index >= GetSize()) return false;
+  *x = GetXAt(index);
+  *y = GetYAt(index);
+  return true;
+}
+
+void CSpline::Add(double x, double y) {
+  auto const at = std::find_if(m_X.begin(), m_X.end(), [x](double other) { return other >= x; });
+  auto const yAt = m_Y.begin() + (at - m_X.begin());
+  if (at != m_X.end() && *at == x) {
+    *yAt = y;
+  } else {
+    m_Y.insert(yAt, y);
+    m_X.insert(at, x);
+  }
+  m_bCurveValid = false;
+}
+
+bool CSpline::RemoveAt(int index) {
+  if (index < 0 || index >= GetSize()) return false;
+  m_X.erase(m_X.begin() + index);
+  m_Y.erase(m_Y.begin() + index);
+  m_bCurveValid = false;
+  return true;
+}
+
+void CSpline::RemoveAll() {
+  m_X.clear();
+  m_Y.clear();
+  m_bCurveValid = false;
+}
+
+float CSpline::Evaluate(float x) {
+  float result = 0.0F;
+  Evaluate(x, &result);
+  return result;
+}
+
+void CSpline::Evaluate(float x, float *result) {
+  std::size_t const n = m_X.size();
+  if (n < 2) {  // one point alone is no function: it is passed over, and that is meant
+    *result = static_cast<float>((m_fMaxY + m_fMinY) * 0.5);
+  } else if (!(x > m_X.front())) {  // so that NaN counts as left of the table
+    *result = static_cast<float>(m_Y.front());
+  } else if (x >= m_X.back()) {
+    *result = static_cast<float>(m_Y.back());
+  } else if (n == 2) {
+    *result = OnLine(x, m_X[0], m_Y[0], m_X[1], m_Y[1]);
+  } else if (m_bTableLinear) {
+    *result = Search(
+        x, 0, n, [xs = m_X.data()](std::size_t i) { return xs[i]; },
+        [ys = m_Y.data()](std::size_t i) { return ys[i]; });
+  } else {
+    if (!m_bCurveValid) SampleCurve();
+    *result = Search(
+        x, 1, m_Curve.size(), [curve = m_Curve.data()](std::size_t i) { return curve[i].x; },
+        [curve = m_Curve.data()](std::size_t i) { return curve[i].y; });
+  }
+}
+
+// The curve is built in a space of 800 units along x. The shift does not follow the stretch; every
+// curve there is was drawn so.
+void CSpline::SampleCurve() {
+  double const a = 15 - m_X.front();
+  double const b = 400 / ((m_X.back() - m_X.front()) * 0.5);
+  std::vector<CSplinePoint> points(m_X.size() + 1);
+  for (std::size_t i = 0; i < m_X.size(); ++i) points[i + 1] = {b * m_X[i] + a, m_Y[i]};
+  BuildSplineCurve(std::move(points), m_Curve, kStep);
+  for (std::size_t i = 1; i < m_Curve.size(); ++i) m_Curve[i].x = (m_Curve[i].x - a) / b;
+  m_bCurveValid = true;
+}
+
+void CSpline::Simplify() {
+  m_bTableLinear = true;
+  for (int i = 1; i < GetSize() - 1;) {
+    double const x = GetXAt(i);
+    double const y = GetYAt(i);
+    RemoveAt(i);
+    // A y that a float cannot hold never equals the answer, and stays.
+    if (std::fabs(y - Evaluate(static_cast<float>(x))) > 0.0) {
+      Add(x, y);
+      ++i;
+    }
+  }
+  if (GetSize() == 2) {
+    Add((2 * m_X[0] + m_X[1]) * kThird, (2 * m_Y[0] + m_Y[1]) * kThird);
+    Add((2 * m_X[2] + m_X[0]) * kThird, (2 * m_Y[2] + m_Y[0]) * kThird);
+  }
+}
+
+float CSpline::Root(int index) {
+  return kRoots[static_cast<std::size_t>(index)];
+}
+
+int CSpline::NRoots() {
+  return static_cast<int>(kRoots.size());
+}
+
+unsigned int CSpline::DoModal(CSpline &table) {
+  constexpr unsigned int kOk = 1;
+  constexpr unsigned int kCancel = 2;
+  try {
+    CSplineDialog dialog(table);
+    unsigned int const result = GetApplication().RunModal(dialog);
+    if (result == kOk) table = dialog.Table();
+    return result;
+  } catch (...) {
+    return kCancel;
+  }
+}
