@@ -17,7 +17,9 @@
 #include <quillaven/maps/matrix_base_map.h>
 #include <quillaven/platform/api.h>
 #include <quillaven/platform/application.h>
+#include <quillaven/platform/archive.h>
 #include <quillaven/platform/exceptions.h>
+#include <quillaven/platform/files.h>
 #include <quillaven/platform/geometry.h>
 #include <quillaven/platform/strings.h>
 #include <quillaven/platform/system_paths.h>

@@ -15,6 +15,7 @@
 #include <quillaven/platform/system_paths.h>
 #include <quillaven/raster/raster_access_internal.h>
 #include <quillaven/raster/raster_operations.h>
+#include <quillaven/raster/shape_check_internal.h>
 
 namespace {
 

@@ -1,7 +1,6 @@
 // Idrisi pairs: the documentation file with the image file of cells beside it.
 
 #include <algorithm>
-#include <bit>
 #include <cstdint>
 #include <cstdlib>
 #include <fstream>
@@ -11,12 +10,14 @@
 #include <quillaven/exchange/cell_conversion_internal.h>
 #include <quillaven/exchange/idrisi_header.h>
 #include <quillaven/exchange/raster_exchange_internal.h>
+#include <quillaven/foundation/byte_order_internal.h>
 #include <quillaven/foundation/errors.h>
 #include <quillaven/foundation/number_text_internal.h>
 #include <quillaven/platform/number_locale_internal.h>
 #include <quillaven/platform/system_paths.h>
 #include <quillaven/raster/raster_access_internal.h>
 #include <quillaven/raster/raster_operations.h>
+#include <quillaven/raster/shape_check_internal.h>
 
 namespace {
 
@@ -32,17 +33,6 @@ bool EqualsWithoutCase(std::string const &text, std::string const &lowerCase) {
   CString lower(text);
   lower.MakeLower();
   return lower == lowerCase;
-}
-
-// Cells are little-endian in the file on every machine.
-template <class Cell>
-void SwapIfBigEndian(std::vector<Cell> &cells) {
-  if constexpr (std::endian::native == std::endian::big && sizeof(Cell) > 1) {
-    for (Cell &cell : cells) {
-      auto *bytes = reinterpret_cast<unsigned char *>(&cell);
-      std::reverse(bytes, bytes + sizeof(Cell));
-    }
-  }
 }
 
 // Calls `work` with a zero of the element type that a data type stands for; false for any other

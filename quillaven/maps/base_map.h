@@ -71,6 +71,12 @@ class QUILLAVEN_API CBaseMap {
   virtual CLegendSymbolType GetLegendItemSymbol(int /*item*/) { return lstDefault; }
   virtual int UnderlineItem(int /*item*/) { return 0; }
 
+  /// Stores or loads the document, as the archive is made: the stored sizes, then the names and
+  /// colours of the legend items. A name ends at its first zero byte. What the archive throws
+  /// passes, and a map that was being loaded stays partly loaded; a number of items below 0 is
+  /// std::bad_alloc. The cells follow in the typed maps.
+  virtual void Serialize(CArchive &archive);
+
   /// Colour and name of the legend item of a cell, with no test of the item's range.
   virtual unsigned long GetCellColor(int row, int col);
   virtual std::string GetCellString(int row, int col);
