@@ -15,9 +15,9 @@ constexpr double kThird = 0.3333333333333333;
 
 // The square roots of the sums of two squares.
 constexpr std::array<float, 30> kRoots{
-    0.0F,    1.0F,    1.4142F, 2.0F,    2.2361F, 2.8284F, 3.0F,    3.1623F, 3.6056F, 4.0F,
-    4.1231F, 4.2426F, 4.4721F, 5.0F,    5.099F,  5.3852F, 5.6569F, 5.831F,  6.0F,    6.0828F,
-    6.3246F, 6.4031F, 6.7082F, 7.0F,    7.0711F, 7.2111F, 7.2801F, 7.6158F, 7.8102F, 8.0F};
+    0.0F,    1.0F,    1.4142F, 2.0F, 2.2361F, 2.8284F, 3.0F,    3.1623F, 3.6056F, 4.0F,
+    4.1231F, 4.2426F, 4.4721F, 5.0F, 5.099F,  5.3852F, 5.6569F, 5.831F,  6.0F,    6.0828F,
+    6.3246F, 6.4031F, 6.7082F, 7.0F, 7.0711F, 7.2111F, 7.2801F, 7.6158F, 7.8102F, 8.0F};
 
 // The line through two points at x.
 float OnLine(float x, double ax, double ay, double bx, double by) {
