@@ -46,8 +46,8 @@ bool ReadStr(char *buffer, int size, CStdioFile &file, char delimiter) {
   for (char byte = 0; ReadByte(file, byte);) {
     ended = byte == delimiter;
     if (ended) break;
-    if (count < size - 1) buffer[count] = byte;
-    if (count < size) ++count;
+    if (count + 1 < size) buffer[count] = byte;
+    if (count < size) ++count;  // an over-long line is read to its end, not counted
   }
   EndText(buffer, size, count);
   return ended;
@@ -95,6 +95,7 @@ bool FileToLine(char const *name, char *buffer, int size) {
     NoSuchFile(name);
     return false;
   }
+  if (size < 1) return true;
   int length = 0;
   for (int c = 0; length < size - 3 && (c = std::getc(file.m_pStream)) != EOF;) {
     char const plain = static_cast<char>(c);
@@ -102,7 +103,7 @@ bool FileToLine(char const *name, char *buffer, int size) {
     if (escaped != nullptr) buffer[length++] = '\\';
     buffer[length++] = escaped != nullptr ? kLetters[escaped - kPlain] : plain;
   }
-  if (size > 0) buffer[length] = '\0';
+  buffer[length] = '\0';
   return true;
 }
 
