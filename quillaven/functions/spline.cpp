@@ -19,25 +19,40 @@ constexpr std::array<float, 30> kRoots{
     4.1231F, 4.2426F, 4.4721F, 5.0F, 5.099F,  5.3852F, 5.6569F, 5.831F,  6.0F,    6.0828F,
     6.3246F, 6.4031F, 6.7082F, 7.0F, 7.0711F, 7.2111F, 7.2801F, 7.6158F, 7.8102F, 8.0F};
 
-// The line through two points at x.
-float OnLine(float x, double ax, double ay, double bx, double by) {
-  return static_cast<float>((x - ax) / (bx - ax) * (by - ay) + ay);
+double XOf(double x) {
+  return x;
+}
+double XOf(CSplinePoint const &point) {
+  return point.x;
 }
 
-// Walks through neighbouring elements from `first` on to the pair that holds x. Two elements of one
-// x are a vertical step, whose middle is the answer. If no pair holds x the answer is the last y,
-// even for an x left of the first element: samples of a curve may begin a rounding behind it. The
-// walk is plain, as the order in which pairs are met decides at a repeated x.
-template <class X, class Y>
-float Search(float x, std::size_t first, std::size_t size, X xAt, Y yAt) {
-  for (std::size_t b = first + 1; b < size; ++b) {
-    if (x <= xAt(b) && x >= xAt(b - 1)) {
-      std::size_t const a = b - 1;
-      if (xAt(a) == xAt(b)) return static_cast<float>((yAt(a) + yAt(b)) * 0.5);
-      return OnLine(x, xAt(a), yAt(a), xAt(b), yAt(b));
+// The end of the first pair of neighbours from `first` to `last` that holds x; null if none does. A
+// pair that falls holds nothing. The walk is plain, as the order in which pairs are met decides
+// where an x comes up again.
+template <class Element>
+Element const *FindPair(double x, Element const *first, Element const *last) {
+  Element const *b = first + 1;
+  if (x <= XOf(*last)) {
+    // The last element ends every step of the walk, which so has one test for each element.
+    for (; b <= last; ++b) {
+      while (!(x <= XOf(*b))) ++b;
+      if (x >= XOf(b[-1])) return b;
     }
   }
-  return static_cast<float>(yAt(size - 1));
+  for (; b <= last; ++b)
+    if (x <= XOf(*b) && x >= XOf(b[-1])) return b;
+  return nullptr;
+}
+
+// The line through two points at x.
+float OnLine(float x, CSplinePoint const &a, CSplinePoint const &b) {
+  return static_cast<float>((x - a.x) / (b.x - a.x) * (b.y - a.y) + a.y);
+}
+
+// Two elements of one x are a vertical step, whose middle is the answer.
+float OnPair(float x, CSplinePoint const &a, CSplinePoint const &b) {
+  if (a.x == b.x) return static_cast<float>((a.y + b.y) * 0.5);
+  return OnLine(x, a, b);
 }
 
 // What the application shows; without a screen nobody ever presses its buttons.
@@ -85,32 +100,36 @@ void CSpline::RemoveAll() {
   m_bCurveValid = false;
 }
 
-float CSpline::Evaluate(float x) {
-  float result = 0.0F;
-  Evaluate(x, &result);
-  return result;
+void CSpline::Evaluate(float x, float *result) {
+  *result = Evaluate(x);
 }
 
-void CSpline::Evaluate(float x, float *result) {
+float CSpline::Evaluate(float x) {
   std::size_t const n = m_X.size();
-  if (n < 2) {  // one point alone is no function: it is passed over, and that is meant
-    *result = static_cast<float>((m_fMaxY + m_fMinY) * 0.5);
-  } else if (!(x > m_X.front())) {  // so that NaN counts as left of the table
-    *result = static_cast<float>(m_Y.front());
-  } else if (x >= m_X.back()) {
-    *result = static_cast<float>(m_Y.back());
-  } else if (n == 2) {
-    *result = OnLine(x, m_X[0], m_Y[0], m_X[1], m_Y[1]);
-  } else if (m_bTableLinear) {
-    *result = Search(
-        x, 0, n, [xs = m_X.data()](std::size_t i) { return xs[i]; },
-        [ys = m_Y.data()](std::size_t i) { return ys[i]; });
-  } else {
-    if (!m_bCurveValid) SampleCurve();
-    *result = Search(
-        x, 1, m_Curve.size(), [curve = m_Curve.data()](std::size_t i) { return curve[i].x; },
-        [curve = m_Curve.data()](std::size_t i) { return curve[i].y; });
-  }
+  // One point alone is no function: it is passed over, and that is meant.
+  if (n < 2) return static_cast<float>((m_fMaxY + m_fMinY) * 0.5);
+  double const *xs = m_X.data();
+  double const *ys = m_Y.data();
+  if (!(x > xs[0])) return static_cast<float>(ys[0]);  // so that NaN counts as left of the table
+  if (x >= xs[n - 1]) return static_cast<float>(ys[n - 1]);
+  if (n == 2) return OnLine(x, {xs[0], ys[0]}, {xs[1], ys[1]});
+  return m_bTableLinear ? OnLines(x) : OnCurve(x);
+}
+
+// Where no pair holds x the answer is the last y.
+float CSpline::OnLines(float x) const {
+  double const *end = FindPair(x, m_X.data(), &m_X.back());
+  if (end == nullptr) return static_cast<float>(m_Y.back());
+  auto const b = static_cast<std::size_t>(end - m_X.data());
+  return OnPair(x, {m_X[b - 1], m_Y[b - 1]}, {m_X[b], m_Y[b]});
+}
+
+// The last y answers here too, even left of the first sample, which may lie a rounding behind the
+// first point.
+float CSpline::OnCurve(float x) {
+  if (!m_bCurveValid) SampleCurve();
+  CSplinePoint const *end = FindPair(x, m_Curve.data() + 1, &m_Curve.back());
+  return end != nullptr ? OnPair(x, end[-1], *end) : static_cast<float>(m_Curve.back().y);
 }
 
 // The curve is built in a space of 800 units along x. The shift does not follow the stretch; every

@@ -120,6 +120,8 @@ class QUILLAVEN_API CSpline {
 
  private:
   friend struct CSplineAccess;
+  float OnLines(float x) const;
+  float OnCurve(float x);
   void SampleCurve();
 
   std::string m_strName;
