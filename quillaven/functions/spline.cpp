@@ -55,6 +55,14 @@ float OnPair(float x, CSplinePoint const &a, CSplinePoint const &b) {
   return OnLine(x, a, b);
 }
 
+// The answer of n points. Where no pair holds x it is the last y.
+float OnLines(float x, double const *xs, double const *ys, std::size_t n) {
+  double const *end = FindPair(x, xs, xs + (n - 1));
+  if (end == nullptr) return static_cast<float>(ys[n - 1]);
+  auto const b = end - xs;
+  return OnPair(x, {xs[b - 1], ys[b - 1]}, {xs[b], ys[b]});
+}
+
 // What the application shows; without a screen nobody ever presses its buttons.
 class CSplineDialog : public CDialog {
  public:
@@ -113,19 +121,11 @@ float CSpline::Evaluate(float x) {
   if (!(x > xs[0])) return static_cast<float>(ys[0]);  // so that NaN counts as left of the table
   if (x >= xs[n - 1]) return static_cast<float>(ys[n - 1]);
   if (n == 2) return OnLine(x, {xs[0], ys[0]}, {xs[1], ys[1]});
-  return m_bTableLinear ? OnLines(x) : OnCurve(x);
+  return m_bTableLinear ? OnLines(x, xs, ys, n) : OnCurve(x);
 }
 
-// Where no pair holds x the answer is the last y.
-float CSpline::OnLines(float x) const {
-  double const *end = FindPair(x, m_X.data(), &m_X.back());
-  if (end == nullptr) return static_cast<float>(m_Y.back());
-  auto const b = static_cast<std::size_t>(end - m_X.data());
-  return OnPair(x, {m_X[b - 1], m_Y[b - 1]}, {m_X[b], m_Y[b]});
-}
-
-// The last y answers here too, even left of the first sample, which may lie a rounding behind the
-// first point.
+// Where no pair holds x the last y answers here too, even left of the first sample, which may lie a
+// rounding behind the first point.
 float CSpline::OnCurve(float x) {
   if (!m_bCurveValid) SampleCurve();
   CSplinePoint const *end = FindPair(x, m_Curve.data() + 1, &m_Curve.back());

@@ -120,7 +120,6 @@ class QUILLAVEN_API CSpline {
 
  private:
   friend struct CSplineAccess;
-  float OnLines(float x) const;
   float OnCurve(float x);
   void SampleCurve();
 
