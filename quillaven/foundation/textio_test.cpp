@@ -1,4 +1,6 @@
 #include <algorithm>
+#include <fstream>
+#include <iterator>
 #include <limits>
 #include <random>
 #include <string>
@@ -366,6 +368,26 @@ TEST_F(EscapedLine, FileThatCannotBeWrittenGivesTheOpenBoxEvenSo) {
   EXPECT_FALSE(LineToFile("x", directory.Path("none/out.txt").c_str()));
   ASSERT_EQ(application.boxes.size(), 1U);
   EXPECT_EQ(application.boxes[0].title, "Error: Cannot open file");
+}
+
+TEST_F(EscapedLine, ExampleStandsInItsPageAndIsThatFile) {
+  std::string const folder = QUILLAVEN_SOURCE_DIR "/docs/formats/";
+  auto bytes = [](std::string const &name) {
+    std::ifstream stream(name, std::ios::binary);
+    return std::string(std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>());
+  };
+  std::string const page = bytes(folder + "escaped-line.md");
+  std::string const note = bytes(folder + "examples/note.txt");
+  std::string line = bytes(folder + "examples/note.line.txt");
+  EXPECT_NE(page.find("```\n" + note + "```\n"), std::string::npos);
+  EXPECT_NE(page.find("```\n" + line + "```\n"), std::string::npos);
+
+  ASSERT_EQ(line.back(), '\n');
+  line.pop_back();
+  char buffer[200];
+  EXPECT_TRUE(FileToLine((folder + "examples/note.txt").c_str(), buffer, 200));
+  EXPECT_EQ(buffer, line);
+  EXPECT_EQ(Unpacked(line), note);
 }
 
 }  // namespace

@@ -1,6 +1,6 @@
 #include <cmath>
-#include <cstdio>
-#include <memory>
+#include <fstream>
+#include <iterator>
 #include <random>
 #include <string>
 #include <utility>
@@ -568,6 +568,88 @@ TEST_F(CompactTable, RoundTripKeepsSixDecimalsOverSeededTables) {
       EXPECT_NEAR(again.GetYAt(i), table.GetYAt(i), 5.1e-7);
     }
   }
+}
+
+// The sample tables and the worked examples of the format page.
+class TablesOfTheTree : public FunctionTableFiles {
+ protected:
+  static std::string Bytes(std::string const &name) {
+    std::ifstream stream(kTree + name, std::ios::binary);
+    return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
+  }
+  void OpenInTree(std::string const &name) {
+    ASSERT_TRUE(file.Open((kTree + name).c_str(), CFile::modeRead | CFile::typeText)) << name;
+  }
+  static inline std::string const kTree = QUILLAVEN_SOURCE_DIR "/";
+};
+
+TEST_F(TablesOfTheTree, ExamplesStandInTheirPageAndMeanTheSameTable) {
+  std::string const page = Bytes("docs/formats/function-table.md");
+  std::string const tagged = Bytes("docs/formats/examples/Tables/Tagged.txt");
+  std::string const compact = Bytes("docs/formats/examples/Tables/Compact.txt");
+  EXPECT_NE(page.find("```\n" + tagged + "```\n"), std::string::npos);
+  EXPECT_NE(page.find("```\n" + compact + "```\n"), std::string::npos);
+
+  CSpline table;
+  OpenInTree("docs/formats/examples/Tables/Tagged.txt");
+  EXPECT_TRUE(table.OnRead(file, 3));
+  ExpectDecay(table);
+  EXPECT_EQ(Tagged(table, 3), tagged);
+  table.RemoveAll();
+  OpenInTree("docs/formats/examples/Tables/Compact.txt");
+  table.OnRead2(file);
+  ExpectDecay(table);
+  EXPECT_EQ(Compact(table), compact);
+}
+
+TEST_F(TablesOfTheTree, DistanceDecayFallsAtTheGridDistances) {
+  OpenInTree("data/tables/distance-decay.txt");
+  CSpline table;
+  ASSERT_TRUE(table.OnRead(file, 1));
+  EXPECT_TRUE(table.TableLinear());
+  EXPECT_STREQ(table.Name(), "distance decay");
+  ASSERT_EQ(table.GetSize(), CSpline::NRoots());
+  for (int i = 0; i < table.GetSize(); ++i) {
+    EXPECT_EQ(table.GetXAt(i), CSpline::Root(i));
+    if (i > 0) {
+      EXPECT_LT(table.GetYAt(i), table.GetYAt(i - 1));
+    }
+  }
+  EXPECT_EQ(table.Evaluate(0), 1);
+  EXPECT_NEAR(table.Evaluate(2), std::exp(-1.0), 1e-4);
+  EXPECT_EQ(table.Evaluate(100), 0);
+  EXPECT_EQ(Tagged(table), Bytes("data/tables/distance-decay.txt"));
+}
+
+TEST_F(TablesOfTheTree, DemandIsASmoothRise) {
+  OpenInTree("data/tables/demand.txt");
+  CSpline table;
+  ASSERT_TRUE(table.OnRead(file, 1));
+  EXPECT_FALSE(table.TableLinear());
+  for (int i = 0; i < table.GetSize(); ++i) {
+    auto const x = static_cast<float>(table.GetXAt(i));
+    EXPECT_NEAR(table.Evaluate(x), table.GetYAt(i), 0.5) << x;
+  }
+  float before = 0;
+  for (float year = 1990; year <= 2040; year += 0.25F) {
+    float const demand = table.Evaluate(year);
+    EXPECT_GT(demand, before - 0.1F) << year;
+    EXPECT_LT(demand - before, before > 0 ? 1 : 20) << year;  // no jump
+    before = demand;
+  }
+  EXPECT_EQ(Tagged(table), Bytes("data/tables/demand.txt"));
+}
+
+TEST_F(TablesOfTheTree, StepRisesAtHalfAnHour) {
+  OpenInTree("data/tables/step.txt");
+  CSpline table;
+  table.OnRead2(file);
+  EXPECT_STREQ(table.XLabel(), "travel time in minutes");
+  EXPECT_EQ(table.Evaluate(0), 0);
+  EXPECT_EQ(table.Evaluate(30), 0);
+  EXPECT_EQ(table.Evaluate(30.001F), 1);
+  EXPECT_EQ(table.Evaluate(60), 1);
+  EXPECT_EQ(Compact(table), Bytes("data/tables/step.txt"));
 }
 
 }  // namespace
