@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <bit>
+#include <climits>
 #include <cstdint>
 #include <cstring>
 #include <new>
@@ -74,6 +75,7 @@ class Picture {
 
   void Draw(CMultiScaleFloatMatrix const &raster, CBitmapLegend const &legend) {
     UseColors(legend);
+    if (m_pixels.empty()) return;  // without pixels there may still be any number of cells
     std::int64_t const firstCol = std::clamp<std::int64_t>(m_part.col0, 0, HeldCols(raster));
     std::int64_t const endCol =
         std::clamp<std::int64_t>(m_part.col0 + m_part.cols, firstCol, HeldCols(raster));
@@ -266,9 +268,11 @@ int CMatrixBaseMap<T>::WriteBitmap(char const *file, int zoom, CRect rectangle, 
   } else {
     CopyAsFloats(*m_pMatrix, m_nRows, m_nCols, floats);
   }
-  auto const length = [](int from, int to) { return static_cast<long>(to) - from + 1; };
-  long const rows = std::min<long>(m_nRows, length(rectangle.top, rectangle.bottom));
-  long const cols = std::min<long>(m_nCols, length(rectangle.left, rectangle.right));
+  auto const shorter = [](int size, std::int64_t from, std::int64_t to) {
+    return static_cast<long>(std::clamp<std::int64_t>(to - from + 1, INT_MIN, size));
+  };
+  long const rows = shorter(m_nRows, rectangle.top, rectangle.bottom);
+  long const cols = shorter(m_nCols, rectangle.left, rectangle.right);
   return ::WriteBitmap(file, *raster, std::max(rectangle.top, 0), std::max(rectangle.left, 0), rows,
                        cols, zoom, stamp, legend)
              ? 1

@@ -12,6 +12,7 @@
 #include <quillaven/exchange/raster_exchange_internal.h>
 #include <quillaven/foundation/byte_order_internal.h>
 #include <quillaven/foundation/errors.h>
+#include <quillaven/foundation/input_file_internal.h>
 #include <quillaven/foundation/number_text_internal.h>
 #include <quillaven/platform/number_locale_internal.h>
 #include <quillaven/platform/system_paths.h>
@@ -108,7 +109,7 @@ bool ReadImage(std::istream &stream, CMultiScaleMatrix<T> &raster) {
 }
 
 std::uint64_t SizeOfFile(std::string const &file) {
-  std::ifstream stream(SystemPath(file), std::ios::binary | std::ios::ate);
+  std::ifstream stream = OpenInputFile(file, std::ios::binary | std::ios::ate);
   return stream ? static_cast<std::uint64_t>(stream.tellg()) : 0;
 }
 
@@ -156,7 +157,7 @@ bool ImportIdrisi(char const *file, CMultiScaleMatrix<T> &raster) {
                DefaultFineResolution());
   SetNoDataFromFlag(raster, header.FlagValue());
   return DispatchOnDataType(header.DataType(), [&](auto zero) {
-    std::ifstream stream(SystemPath(image), std::ios::binary);
+    std::ifstream stream = OpenInputFile(image, std::ios::binary);
     if (!stream) {
       NoSuchFile(image.c_str());
       return false;

@@ -156,10 +156,10 @@ void CSpline::Simplify() {
       ++i;
     }
   }
-  if (GetSize() == 2) {
-    Add((2 * m_X[0] + m_X[1]) * kThird, (2 * m_Y[0] + m_Y[1]) * kThird);
-    Add((2 * m_X[2] + m_X[0]) * kThird, (2 * m_Y[2] + m_Y[0]) * kThird);
-  }
+  if (GetSize() != 2) return;
+  Add((2 * m_X[0] + m_X[1]) * kThird, (2 * m_Y[0] + m_Y[1]) * kThird);
+  if (GetSize() != 3) return;  // both points are at one x, and there is nothing between them
+  Add((2 * m_X[2] + m_X[0]) * kThird, (2 * m_Y[2] + m_Y[0]) * kThird);
 }
 
 float CSpline::Root(int index) {

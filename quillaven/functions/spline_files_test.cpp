@@ -483,6 +483,14 @@ TEST_F(CompactTable, StepAnswersWithItsMiddle) {
   EXPECT_EQ(table.Evaluate(5), 3);
 }
 
+TEST_F(CompactTable, TwoPointsAtOneXCannotBeParted) {
+  CSpline table;
+  Read2(table, "0\t1\t2\nx\t0\t0\ny\t1\t2\n");
+  table.Simplify();
+  EXPECT_TRUE(table.TableLinear());
+  EXPECT_EQ(table.GetSize(), 2);
+}
+
 TEST_F(CompactTable, FailedNumberRepeatsTheLastOneEvenThatOfX) {
   CSpline table;
   Read2(table, "0\t1\t3\nx\t5\tword\t7\ny\tnone\n");

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include <quillaven/foundation/errors.h>
+#include <quillaven/foundation/input_file_internal.h>
 #include <quillaven/foundation/line_reader_internal.h>
 #include <quillaven/foundation/number_text_internal.h>
 #include <quillaven/foundation/numbers.h>
@@ -140,7 +141,7 @@ void CMapLegend::SetBaseMapLegend(CBaseMap *map, char const *file) {
   int version = 1;
   if (file != nullptr) {
     CString const path = LegendPath(file);
-    std::ifstream stream(SystemPath(path));
+    std::ifstream stream = OpenInputFile(path);
     opened = static_cast<bool>(stream);
     if (opened) {
       label = path;

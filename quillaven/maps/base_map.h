@@ -77,7 +77,7 @@ class QUILLAVEN_API CBaseMap {
   /// std::bad_alloc. The cells follow in the typed maps.
   virtual void Serialize(CArchive &archive);
 
-  /// Colour and name of the legend item of a cell, with no test of the item's range.
+  /// Colour and name of the legend item of a cell; 0 and an empty text for an item that is none.
   virtual unsigned long GetCellColor(int row, int col);
   virtual std::string GetCellString(int row, int col);
   /// The legend item of a cell; -1 for a cell without data.
