@@ -3,6 +3,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 struct DrawOptions {
   std::string grid;
@@ -18,9 +19,23 @@ struct DemoOptions {
   std::string out = "quillaven-demo";
 };
 
+struct TableOptions {
+  std::string file;
+  int table = 1;
+  std::vector<double> questions;
+  std::string out;
+  std::string form;
+};
+
 /// Draws a grid through a legend into a bitmap.
 void Draw(DrawOptions const &options);
 /// Prints what a file holds.
 void Info(std::string const &file);
 /// Reads, draws, edits and writes back the land use of a country.
 void Demo(DemoOptions const &options);
+/// Prints the values of a function table, one a line.
+void TableEval(TableOptions const &options);
+/// Draws a function table with its points and axes.
+void TablePlot(TableOptions const &options);
+/// Writes a function table in the other form.
+void TableConvert(TableOptions const &options);
