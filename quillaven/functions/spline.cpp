@@ -63,6 +63,11 @@ float OnLines(float x, double const *xs, double const *ys, std::size_t n) {
   return OnPair(x, {xs[b - 1], ys[b - 1]}, {xs[b], ys[b]});
 }
 
+// Room for one more, so that an insertion cannot fail: x and y keep one length.
+void MakeRoom(std::vector<double> &values) {
+  if (values.size() == values.capacity()) values.reserve(2 * values.size() + 1);
+}
+
 // What the application shows; without a screen nobody ever presses its buttons.
 class CSplineDialog : public CDialog {
  public:
@@ -83,13 +88,15 @@ bool CSpline::GetAt(int index, double *x, double *y) const {
 }
 
 void CSpline::Add(double x, double y) {
-  auto const at = std::find_if(m_X.begin(), m_X.end(), [x](double other) { return other >= x; });
-  auto const yAt = m_Y.begin() + (at - m_X.begin());
-  if (at != m_X.end() && *at == x) {
-    *yAt = y;
+  auto const found = std::find_if(m_X.begin(), m_X.end(), [x](double other) { return other >= x; });
+  auto const at = found - m_X.begin();
+  if (found != m_X.end() && *found == x) {
+    m_Y[static_cast<std::size_t>(at)] = y;
   } else {
-    m_Y.insert(yAt, y);
-    m_X.insert(at, x);
+    MakeRoom(m_X);
+    MakeRoom(m_Y);
+    m_X.insert(m_X.begin() + at, x);
+    m_Y.insert(m_Y.begin() + at, y);
   }
   m_bCurveValid = false;
 }

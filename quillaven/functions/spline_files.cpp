@@ -181,10 +181,13 @@ void CSpline::OnRead2(CStdioFile &file) {
   long long const rest = file.GetLength() - file.Seek(0, CFile::current);
   if (limits.count < 1 || limits.count > rest) return;
 
+  auto const count = static_cast<std::size_t>(limits.count);
+  m_X.reserve(count);
+  m_Y.reserve(count);
   m_fMinY = limits.minY;
   m_fMaxY = limits.maxY;
-  m_X.resize(static_cast<std::size_t>(limits.count));
-  m_Y.resize(static_cast<std::size_t>(limits.count));
+  m_X.resize(count);
+  m_Y.resize(count);
   double last = 0.0;
   m_strXLabel = ReadLabelled(file, m_X, last);
   m_fMinX = static_cast<float>(m_X.front());
