@@ -86,7 +86,7 @@ int Fail(std::string const &why, int status) {
 
 }  // namespace
 
-int main(int argc, char **argv) {
+int main(int argc, char **argv) {  // NOLINT: what is thrown while options are set up ends it
   DrawOptions draw;
   DemoOptions demo;
   TableOptions table;

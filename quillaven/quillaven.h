@@ -21,9 +21,15 @@
 #include <quillaven/platform/exceptions.h>
 #include <quillaven/platform/files.h>
 #include <quillaven/platform/geometry.h>
+#include <quillaven/platform/modules.h>
 #include <quillaven/platform/strings.h>
 #include <quillaven/platform/system_paths.h>
 #include <quillaven/raster/fine_block_pool.h>
 #include <quillaven/raster/multiscale_matrix.h>
 #include <quillaven/raster/raster_operations.h>
 #include <quillaven/raster/smart_io_matrix.h>
+#include <quillaven/runtime/module_version.h>
+#include <quillaven/runtime/new_handler.h>
+#include <quillaven/runtime/process.h>
+#include <quillaven/spreadsheet/transport.h>
+#include <quillaven/spreadsheet/xllink.h>

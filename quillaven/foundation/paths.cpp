@@ -134,10 +134,10 @@ CString AbsPathOfFile(char const *file) {
   return path + "\\";
 }
 
-int IsValidFileName(CString name) {
+int IsValidFileName(CString name) {  // NOLINT: by value for its callers
   return IsFileName(SystemPath(name).c_str()) ? 1 : 0;
 }
-int FileExists(CString name) {
+int FileExists(CString name) {  // NOLINT: by value for its callers
   return CanOpenFile(SystemPath(name).c_str()) ? 1 : 0;
 }
 

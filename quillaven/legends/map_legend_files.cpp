@@ -407,8 +407,8 @@ void CMapLegend::SetBaseMapLegend(CBaseMap *map, int colorOrder, int legendType,
                                   std::vector<std::string> &names,
                                   std::vector<unsigned long> &colors) {
   // Copies, since the lists may be the map's own, which are emptied first.
-  std::vector<std::string> const newNames = names;
-  std::vector<unsigned long> const newColors = colors;
+  std::vector<std::string> const newNames(names.begin(), names.end());
+  std::vector<unsigned long> const newColors(colors.begin(), colors.end());
   m_Lo.clear();
   m_Hi.clear();
   m_nStateOrderColor = colorOrder;

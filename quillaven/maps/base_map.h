@@ -40,7 +40,7 @@ class QUILLAVEN_API CBaseMap {
     CBool() = default;
     CBool(bool value) : m_bValue(value) {}  // NOLINT: stands where a bool stands
     CBool(CBool const &) = default;
-    CBool const &operator=(bool const &value) {
+    CBool const &operator=(bool const &value) {  // NOLINT: the result is const, as the other's is
       m_bValue = value;
       return *this;
     }

@@ -25,7 +25,7 @@ T **CSmartIOMatrix<T>::MakeTable(CSmartIOHeader const &header) {
   for (std::size_t row = 0; row < rows; ++row)
     table[row] = cells != nullptr ? cells.get() + row * cols : nullptr;
   (void)cells.release();
-  return table;
+  return table;  // NOLINT: the table owns the cells by its first row
 }
 
 template <class T>

@@ -1,5 +1,5 @@
-// How often a test program has allocated, for operations that must not; and allocations that fail,
-// for operations that must bear it.
+// How often a test program has allocated, for operations that must not; allocations that fail, for
+// operations that must bear it; and memory that runs out.
 //
 //   long const before = AllocationCount();
 //   map.GetCellColor(3, 4);
@@ -8,9 +8,13 @@
 //   FailingAllocation const third(3);  // the third from here on fails, once
 //   EXPECT_THROW(raster.Redim(10, 10, 2), std::bad_alloc);
 //
-// A program that asks counts every operator new; others are left alone.
+// A program that asks counts every operator new; others are left alone. The new handler in force is
+// called as the standard has it when memory is not there: blocks larger than any object may be are
+// never there, nor are those that a test has refused.
 
 #pragma once
+
+#include <cstddef>
 
 long AllocationCount();
 
@@ -22,3 +26,6 @@ class FailingAllocation {
   FailingAllocation(FailingAllocation const &) = delete;
   FailingAllocation &operator=(FailingAllocation const &) = delete;
 };
+
+/// From now on memory for `bytes` or more is not there. 0 brings it back.
+void RefuseAllocationsFrom(std::size_t bytes);
