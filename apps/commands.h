@@ -4,6 +4,7 @@
 
 #include <functional>
 #include <string>
+#include <vector>
 
 struct DrawOptions {
   std::string grid;
@@ -19,6 +20,14 @@ struct DemoOptions {
   std::string out = "quillaven-demo";
 };
 
+struct TableOptions {
+  std::string file;
+  int table = 1;
+  std::vector<double> questions;
+  std::string out;
+  std::string form;
+};
+
 /// Draws a grid through a legend into a bitmap.
 void Draw(DrawOptions const &options);
 /// Prints what a file holds.
@@ -28,3 +37,9 @@ void Demo(DemoOptions const &options);
 /// Its second half: a country's network over three years. `addFile` gives the path of a file by its
 /// name.
 void DemoNetwork(std::string const &data, std::function<std::string(std::string)> const &addFile);
+/// Prints the values of a function table, one a line.
+void TableEval(TableOptions const &options);
+/// Draws a function table with its points and axes.
+void TablePlot(TableOptions const &options);
+/// Writes a function table in the other form.
+void TableConvert(TableOptions const &options);

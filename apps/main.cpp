@@ -103,6 +103,36 @@ void AddNetwork(CLI::App &program, NetworkOptions &options) {
   command->footer("Example: quillaven network check all.bin");
 }
 
+CLI::App *AddTableCommand(CLI::App &tables, TableOptions &options, char const *name,
+                          char const *what, void (*run)(TableOptions const &)) {
+  CLI::App *command = tables.add_subcommand(name, what);
+  command->add_option("file", options.file, "The file of tables to read")->required();
+  command->add_option("--table", options.table, "Which table of the file, from 1")
+      ->check(CLI::Range(1, 1000000));
+  command->callback([&options, run] { run(options); });
+  return command;
+}
+
+void AddTable(CLI::App &program, TableOptions &options) {
+  CLI::App *tables = program.add_subcommand("table", "Evaluate, draw and convert function tables");
+  tables->require_subcommand(1);
+  CLI::App *eval =
+      AddTableCommand(*tables, options, "eval", "Print the value at each x", TableEval);
+  eval->add_option("x", options.questions, "Where to evaluate")->required();
+  eval->footer("Example: quillaven table eval distance-decay.txt 0.5 2 7.5");
+  CLI::App *plot =
+      AddTableCommand(*tables, options, "plot", "Draw points, curve and axes", TablePlot);
+  plot->add_option("--out", options.out, "The picture to write: .svg, .bmp or .png")->required();
+  plot->footer("Example: quillaven table plot demand.txt --out demand.svg");
+  CLI::App *convert = AddTableCommand(*tables, options, "convert",
+                                      "Write a table in tagged or compact form", TableConvert);
+  convert->add_option("--to", options.form, "tagged or compact")
+      ->required()
+      ->check(CLI::IsMember({"tagged", "compact"}));
+  convert->add_option("--out", options.out, "The file to write")->required();
+  convert->footer("Example: quillaven table convert step.txt --to tagged --out step-tagged.txt");
+}
+
 // Every failure is one line and a status; help and version end well.
 int Fail(std::string const &why, int status) {
   std::fprintf(stderr, "quillaven: %s\n", OneLine(why).c_str());
@@ -115,6 +145,7 @@ int main(int argc, char **argv) {  // NOLINT: what is thrown while options are s
   DrawOptions draw;
   DemoOptions demo;
   NetworkOptions network;
+  TableOptions table;
   std::string file;
   CLI::App program("Rasters at two scales, legends and pictures", "quillaven");
   program.set_version_flag("--version", QUILLAVEN_VERSION);
@@ -123,6 +154,7 @@ int main(int argc, char **argv) {  // NOLINT: what is thrown while options are s
   AddInfo(program, file);
   AddDemo(program, demo);
   AddNetwork(program, network);
+  AddTable(program, table);
 
   try {
     program.parse(argc, argv);

@@ -135,5 +135,44 @@ checks=$((checks + 1))
 diff -r first second || fail "the demo writes other bytes the second time"
 expect_line "cannot make folder" 1 demo --out small.bmp/under-a-file
 
+# Function tables
+tables=$source/data/tables
+expect_output "$(printf '2\t0.3679')" table eval "$tables/distance-decay.txt" 0 2 100
+expect_same "one line for each x" "$(wc -l < out.txt)" 3
+expect_output "$(printf -- '-5\t18.2')" table eval "$tables/demand.txt" -5
+expect_output "$(printf '40\t1')" table eval "$tables/step.txt" 40
+expect_line "is required" 2 table eval "$tables/step.txt"
+expect_line "--to" 2 table convert "$tables/step.txt" --to other --out a.txt
+expect_line "cannot open 'none.txt': No such file or directory" 1 table eval none.txt 1
+expect_line "holds no function table" 1 table eval empty.asc 1
+expect_line "holds no table number 2" 1 table eval "$tables/demand.txt" --table 2 1
+expect_line "ends in none of .svg, .bmp and .png" 1 table plot "$tables/demand.txt" --out plot.gif
+expect_line "cannot write 'nowhere/a.svg': No such file or directory" 1 table plot "$tables/step.txt" \
+  --out nowhere/a.svg
+printf '0\t1\t3\nx\t0\tnan\t1\ny\t0\t0\t0\n' > nan.txt
+expect_line "values that cannot be drawn" 1 table plot nan.txt --out nan.png
+
+checks=$((checks + 1))
+"$program" table convert "$tables/distance-decay.txt" --to tagged --out again.txt || fail "table convert"
+expect_same "the same table" "$(cksum < again.txt)" "$(cksum < "$tables/distance-decay.txt")"
+"$program" table convert "$tables/step.txt" --to compact --out again.txt || fail "table convert"
+expect_same "the same table" "$(cksum < again.txt)" "$(cksum < "$tables/step.txt")"
+cat "$tables/distance-decay.txt" "$tables/demand.txt" > both.txt
+"$program" table convert both.txt --table 2 --to tagged --out again.txt || fail "table convert"
+expect_same "the second table" "$(tail -n +2 again.txt | cksum)" "$(tail -n +2 "$tables/demand.txt" | cksum)"
+
+for kind in svg bmp png; do
+  checks=$((checks + 1))
+  "$program" table plot "$tables/demand.txt" --out plot.$kind || fail "table plot to .$kind"
+done
+expect_same "points in the picture" "$(grep -c '<circle' plot.svg)" 8
+expect_same "curves in the picture" "$(grep -c '<polyline' plot.svg)" 1
+checks=$((checks + 1))
+grep -q '>demand in 1000 dwellings</text>' plot.svg || fail "the label of y is missing"
+grep -q '>2010</text>' plot.svg || fail "the axis of x has no numbers"
+expect_same "size of the bitmap" "$(stat -c %s plot.bmp)" "$((54 + 800 * 3 * 500))"
+expect_same "start of the PNG" "$(head -c 8 plot.png | od -An -tx1 | tr -d ' \n')" "89504e470d0a1a0a"
+expect_output "width     800" info plot.bmp
+
 echo "$checks checks, $failures failures"
 [ "$failures" -eq 0 ]
