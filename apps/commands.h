@@ -28,8 +28,28 @@ struct TableOptions {
   std::string form;
 };
 
+struct ConvertOptions {
+  std::string in;
+  std::string out;
+  std::string type = "float";
+  bool asByte = false;
+};
+
+struct ColorOptions {
+  int count = 6;
+  int saturation = 252;
+  int lightness = 126;
+  std::vector<int> channels;
+  double factor = 0.6;
+};
+
 /// Draws a grid through a legend into a bitmap.
 void Draw(DrawOptions const &options);
+/// Writes the raster of a file as a file of another kind.
+void Convert(ConvertOptions const &options);
+/// Prints colours spread over the hues, and a colour made brighter or darker.
+void SpreadColors(ColorOptions const &options);
+void BrightenColor(ColorOptions const &options);
 /// Prints what a file holds.
 void Info(std::string const &file);
 /// Reads, draws, edits and writes back the land use of a country, and shows its network.

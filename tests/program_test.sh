@@ -94,6 +94,31 @@ expect_output "colours   3" info "$source/docs/formats/examples/Palettes/Primary
 expect_output "   12   90  90  95  transport areas" info "$source/data/Legends/Landuse.txt"
 expect_output "    1    0 255   0  high" info "$source/docs/formats/examples/Legends/Version1.txt"
 
+# Conversion: the country goes through every kind of file and comes back byte for byte
+expect_output "992 rows, 500 columns" convert "$grid" country.qmp --type byte
+expect_output "cells     byte" info country.qmp
+expect_output "992 rows, 500 columns" convert "$grid" country.doc
+expect_output "type      real, binary" info country.img
+expect_output "flag      -9999, NODATA" info country.doc
+expect_output "992 rows, 500 columns" convert country.img country-again.qmp
+expect_output "cells     float" info country-again.qmp
+expect_output "992 rows, 500 columns" convert country-again.qmp country-again.asc
+expect_same "cells of the country" "$(tail -n +7 country-again.asc | cksum)" "$(tail -n +7 "$grid" | tr -d '\r' | cksum)"
+expect_line "choose another --type" 1 convert country.qmp a.asc
+expect_line "ends in none of" 1 convert "$grid" a.tif
+expect_line "--type" 2 convert "$grid" a.qmp --type double
+head -c 1000 country.qmp > cut.qmp
+expect_line "is no map file, or ends before its last cell" 1 convert cut.qmp a.asc --type byte
+expect_line "cannot write 'nowhere/a.qmp'" 1 convert "$grid" nowhere/a.qmp
+expect_line "cannot write 'nowhere/a.doc'" 1 convert "$grid" nowhere/a.doc
+rm -f country.img
+expect_line "Cannot open file" 1 convert country.doc a.asc
+
+# Colours
+expect_output "    1  255 255   0" colors spread 6
+expect_output "    0  200  30  30" colors brighten 200 30 30 --factor 0.6
+expect_line "color" 2 colors brighten 200 30 --factor 0.6
+
 # Networks: the four types of a country become one file; its figures are those of its makers
 country=$source/data/liechtenstein
 expect_output "country.bin: 9 nodes, 16 links" network import "$country/net0.txt" --type 0 --out country.bin
