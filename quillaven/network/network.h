@@ -206,6 +206,9 @@ class QUILLAVEN_API CNetwork {
   std::uint32_t FindOrCreateNode(double x, double y, CNodeIndex &index);
   void Connect(std::uint32_t from, std::uint32_t to, std::uint32_t type, std::uint32_t id);
 
+  std::uint32_t Extend(std::uint32_t node, double x, double y, std::uint32_t type, std::uint32_t id,
+                       CNodeIndex &index);
+
   bool ReadSDK(char const *file);
   bool ReadIOS(char const *file);
   bool WriteSDK(char const *file) const;
