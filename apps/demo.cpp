@@ -188,7 +188,7 @@ void PrintClasses(CByteMatrixBaseMap &map, CMultiScaleByteMatrix const &raster) 
 }
 
 void PaintOne(CByteMatrixBaseMap &map, CMultiScaleByteMatrix &raster, Cell cell, int item) {
-  CMultiScaleByteMatrix const before = raster;
+  CMultiScaleByteMatrix const before = raster;  // NOLINT: the map changes the raster
   std::string const name = map.GetCellString(cell.row, cell.col);
   map.m_nSelectedItem = item;
   map.SetCell(cell.row, cell.col);
@@ -199,7 +199,7 @@ void PaintOne(CByteMatrixBaseMap &map, CMultiScaleByteMatrix &raster, Cell cell,
 }
 
 void FillOne(CByteMatrixBaseMap &map, CMultiScaleByteMatrix &raster, Cell cell, int item) {
-  CMultiScaleByteMatrix const before = raster;
+  CMultiScaleByteMatrix const before = raster;  // NOLINT: the map changes the raster
   std::string const name = map.GetCellString(cell.row, cell.col);
   map.m_nSelectedItem = item;
   map.FillArea(cell.row, cell.col);

@@ -5,7 +5,6 @@
 // that of the peer, "ns" and "peer_ns" are nanoseconds for each read or stored value.
 
 #include <algorithm>
-#include <chrono>
 #include <cstdint>
 #include <cstring>
 #include <random>
@@ -15,6 +14,8 @@
 
 #include <quillaven/raster/raster_access_internal.h>
 #include <quillaven/raster/raster_operations.h>
+
+#include "benchmarks/compare.h"
 
 namespace {
 
@@ -139,48 +140,6 @@ float ReadInRows(Read read) {
   for (int row = 0; row < kSide; ++row)
     for (int col = 0; col < kSide; ++col) sum += read(row, col);
   return sum;
-}
-
-template <class Work>
-double SecondsOf(Work work) {
-  auto const start = std::chrono::steady_clock::now();
-  work();
-  return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-}
-
-// The mean time of a run over a turn of some milliseconds, in which the first run only brings the
-// data of its own back into the caches.
-template <class Run>
-double SecondsInTurn(Run run) {
-  constexpr double kTurn = 0.02;
-  run();
-  double sum = 0;
-  int runs = 0;
-  for (; sum < kTurn; ++runs) sum += SecondsOf(run);
-  return sum / runs;
-}
-
-// Runs both turn by turn, so that a busy machine slows both. The time reported is that of `work`;
-// "ratio" is work to peer, by the medians of their turns.
-template <class Work, class Peer>
-void Compare(benchmark::State &state, double steps, Work work, Peer peer) {
-  std::vector<double> works;
-  std::vector<double> peers;
-  for (auto _ : state) {
-    peers.push_back(SecondsInTurn(peer));
-    works.push_back(SecondsInTurn(work));
-    state.SetIterationTime(works.back());
-  }
-  auto const median = [](std::vector<double> &times) {
-    auto const middle = times.begin() + static_cast<std::ptrdiff_t>(times.size() / 2);
-    std::nth_element(times.begin(), middle, times.end());
-    return *middle;
-  };
-  double const workTime = median(works);
-  double const peerTime = median(peers);
-  state.counters["ratio"] = workTime / peerTime;
-  state.counters["ns"] = workTime * 1e9 / steps;
-  state.counters["peer_ns"] = peerTime * 1e9 / steps;
 }
 
 template <class Pass, class Work, class Peer>
@@ -344,11 +303,6 @@ void BM_Memory(benchmark::State &state) {
   double const limit = 4.0 * static_cast<double>(StoredValues(raster)) + 4.0 * kBlocks;
   state.counters["MB"] = static_cast<double>(bytes) / 1e6;
   state.counters["ratio"] = static_cast<double>(bytes) / limit;
-}
-
-// One iteration is a turn of each side.
-void Turns(benchmark::internal::Benchmark *pair) {
-  pair->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(11);
 }
 
 }  // namespace

@@ -28,6 +28,9 @@ add_compile_options(-fno-semantic-interposition)
 
 if(QUILLAVEN_SANITIZE)
   add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer -O1)
+  if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+    add_compile_options(-Wno-maybe-uninitialized) # checked code misleads it about std::function
+  endif()
   add_link_options(-fsanitize=address,undefined)
 endif()
 if(QUILLAVEN_COVERAGE)

@@ -10,11 +10,13 @@
 #include <quillaven/exchange/number_reader_internal.h>
 #include <quillaven/exchange/raster_exchange_internal.h>
 #include <quillaven/foundation/errors.h>
+#include <quillaven/foundation/input_file_internal.h>
 #include <quillaven/foundation/number_text_internal.h>
 #include <quillaven/foundation/rounding_internal.h>
 #include <quillaven/platform/system_paths.h>
 #include <quillaven/raster/raster_access_internal.h>
 #include <quillaven/raster/raster_operations.h>
+#include <quillaven/raster/shape_check_internal.h>
 
 namespace {
 
@@ -102,14 +104,18 @@ bool ExportAsciiGrid(char const *file, GridTexts const &texts, CMultiScaleMatrix
     stream.write(block.data(), out - block.data());
     out = block.data();
   };
+  auto const flushWhenFull = [&] {
+    if (out - block.data() >= static_cast<std::ptrdiff_t>(kOutputBlock)) flush();
+  };
   for (int r = 0; r < raster.NRows(); ++r) {
     CRasterAccess::ReadRow(raster, r, 0, cols, row.data());
     for (int c = 0; c < cols; ++c) {
       if (c > 0) *out++ = ' ';
       out = WriteG(out, static_cast<double>(row[static_cast<std::size_t>(c)]));
-      if (out - block.data() >= static_cast<std::ptrdiff_t>(kOutputBlock)) flush();
+      flushWhenFull();
     }
     *out++ = '\n';
+    flushWhenFull();
   }
   flush();
   return true;
@@ -117,7 +123,7 @@ bool ExportAsciiGrid(char const *file, GridTexts const &texts, CMultiScaleMatrix
 
 template <class T>
 bool ImportAsciiGrid(char const *file, GridTexts &texts, CMultiScaleMatrix<T> &raster) {
-  std::ifstream stream(SystemPath(file), std::ios::binary);
+  std::ifstream stream = OpenInputFile(file, std::ios::binary);
   if (!stream) {
     NoSuchFile(file);
     return false;

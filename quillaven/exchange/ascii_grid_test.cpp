@@ -164,6 +164,57 @@ TEST_F(AsciiGrid, ThatAsksForMoreCellsThanItCanHoldIsNotBelieved) {
   EXPECT_EQ(floats.NRows(), 0);
 }
 
+TEST_F(AsciiGrid, ThatAsksForRowsWithoutColumnsIsNotBelievedEither) {
+  for (char const *cols : {"0", "-3", "x"}) {
+    SCOPED_TRACE(cols);
+    EXPECT_FALSE(Import(
+        "NCOLS " + std::string(cols) + "\nNROWS 2000000000\nx 0\ny 0\nc 1\nn -1\n1 2\n", floats));
+    EXPECT_EQ(floats.NRows(), 0);
+  }
+}
+
+TEST_F(AsciiGrid, RowsWithoutColumnsAreWrittenAsEmptyLines) {
+  floats.Redim(200000, 0, 1);  // more line feeds than a block of output
+  std::string const written = Export(floats);
+  EXPECT_EQ(written.substr(written.size() - 200000), std::string(200000, '\n'));
+  EXPECT_EQ(written.find('\n'), std::string("NCOLS 0").size());
+}
+
+TEST_F(AsciiGrid, DirectoryIsToldInABoxAsAMissingFileIs) {
+  EXPECT_FALSE(ImportAsciiGrid(directory.Path().c_str(), texts, floats));
+  ASSERT_EQ(application.boxes.size(), 1U);
+  EXPECT_EQ(application.boxes[0].title, "Error: Cannot open file");
+}
+
+TEST_F(AsciiGrid, WithoutANumberForNoDataHasTheUsualOne) {
+  EXPECT_TRUE(Import("NCOLS 2\nNROWS 1\nX 0\nY 0\nC 1\nNODATA_VALUE\n1 2\n", floats));
+  EXPECT_TRUE(floats.HasNoDataValue());
+  EXPECT_EQ(floats.NoDataValue(), -9999.0F);
+  EXPECT_EQ(Cells(floats), (Numbers{1, 2}));
+}
+
+TEST_F(AsciiGrid, ImportThroughAMapTakesTheDefaultResolutionAndSwitchesNoDataOn) {
+  floats.Redim(9, 9, 3);
+  floats.SetNoDataValue(false, 5);
+  CFloatMatrixBaseMap map;
+  map.Attach("a", "a", &floats, nullptr, false);
+  DefaultFineResolution(2);
+  std::string const file = directory.Write("a.asc", kHeader + "1 2\n3 4\n");
+  EXPECT_NE(map.OnFileImport(file.c_str(), 1), 0);
+  EXPECT_EQ(floats.W(), 2);
+  EXPECT_TRUE(floats.HasNoDataValue());
+  EXPECT_EQ(floats.NoDataValue(), -9999.0F);
+  EXPECT_EQ(Cells(floats), (Numbers{4, 4, 4, 4}));
+}
+
+TEST_F(AsciiGrid, HeaderLineOf127CharactersIsOneWithEitherLineEnd) {
+  std::string const line = "NCOLS 2" + std::string(120, ' ');
+  for (char const *end : {"\n", "\r\n"}) {
+    EXPECT_TRUE(Import(line + end + "NROWS 1\nX 0\nY 0\nC 1\nN -1\n1 2\n", floats));
+    EXPECT_EQ(Cells(floats), (Numbers{1, 2}));
+  }
+}
+
 TEST_F(AsciiGrid, HeaderLineOfMoreThan127CharactersArrivesAsTwo) {
   std::string const filler(120, 'x');
   // The second piece of the first line, "9", stands where the rows are told: it has no second word.

@@ -1,5 +1,7 @@
 #include <algorithm>
 #include <bit>
+#include <climits>
+#include <cmath>
 #include <cstdint>
 #include <cstring>
 #include <new>
@@ -10,6 +12,7 @@
 #include <quillaven/exchange/cell_conversion_internal.h>
 #include <quillaven/foundation/errors.h>
 #include <quillaven/foundation/numbers.h>
+#include <quillaven/legends/bitmap_legend_internal.h>
 #include <quillaven/maps/matrix_base_map.h>
 #include <quillaven/platform/application.h>
 #include <quillaven/platform/message_box_internal.h>
@@ -24,7 +27,7 @@ namespace {
 constexpr std::size_t kFileHeaderSize = 14;
 constexpr std::size_t kInfoHeaderSize = 40;
 constexpr int kPaletteEntries = 256;
-constexpr std::size_t kInfoSize = kInfoHeaderSize + 4 * kPaletteEntries;
+constexpr std::size_t kInfoSize = kInfoHeaderSize + std::size_t{4} * kPaletteEntries;
 constexpr int kMostColors = kPaletteEntries - 2;  // white and black must find a place
 constexpr unsigned long kWhite = 0xFFFFFF;
 
@@ -50,10 +53,81 @@ struct Rectangle {
   std::int64_t zoom;
 };
 
-// An image in memory, a palette index for each pixel, rows of pixels from the bottom up.
+// Classifies rows of values. Floats that agree in their upper 16 bits lie close together, and such a
+// bucket holds one class or, around a bound, two: the legend is asked for a bucket, not for each
+// value. Values of all other buckets are asked for one by one.
+class RowClassifier {
+ public:
+  RowClassifier(CBitmapLegend const &legend, int colors)
+      : m_legend(legend),
+        m_last(static_cast<unsigned char>(std::max(colors - 1, 0))),
+        m_buckets(std::size_t{1} << 16, kUnknown) {}
+
+  // A function of its own, so that its few numbers stay in registers.
+  [[gnu::noinline]] void Classify(float const *values, float const *end, unsigned char *indices) {
+    std::uint32_t const *const buckets = m_buckets.data();
+    for (; values != end; ++values, ++indices) {
+      auto const bits = std::bit_cast<std::uint32_t>(*values);
+      std::uint32_t const bucket = buckets[bits >> 16];
+      if (bucket >= kUnknown) {
+        *indices = ClassOf(bits);
+        continue;
+      }
+      std::uint32_t const first = bucket >> 16;
+      std::uint32_t const second = bucket >> 24;
+      bool const isBehind = (bits & kLowBits) > (bucket & kLowBits);
+      *indices = static_cast<unsigned char>(isBehind ? second : first);
+    }
+  }
+
+ private:
+  // A bucket from the lowest bits up: the low bits of the last value of its first class, that class,
+  // and the class of the rest. No class is 255.
+  static constexpr std::uint32_t kLowBits = 0xFFFF;
+  static constexpr std::uint32_t kUnknown = 0xFF000000;
+  static constexpr std::uint32_t kMixed = 0xFFFFFFFF;
+
+  unsigned char IndexOf(std::uint32_t bits) const {
+    return std::min(m_legend.GetColorIndexOfValue(std::bit_cast<float>(bits)), m_last);
+  }
+
+  [[gnu::noinline]] unsigned char ClassOf(std::uint32_t bits) {
+    std::uint32_t &bucket = m_buckets[bits >> 16];
+    if (bucket == kUnknown) bucket = MakeBucket(bits & ~kLowBits);
+    return IndexOf(bits);
+  }
+
+  // The bound between two classes is found by halving, as the class follows the value.
+  std::uint32_t MakeBucket(std::uint32_t first) const {
+    std::uint32_t const last = first | kLowBits;
+    auto const one = std::bit_cast<float>(first);
+    auto const other = std::bit_cast<float>(last);
+    if (!std::isfinite(one) || !std::isfinite(other)) return kMixed;
+    if (!CBitmapLegendAccess::FollowsValue(m_legend, std::min(one, other), std::max(one, other)))
+      return kMixed;
+    std::uint32_t const firstClass = IndexOf(first);
+    std::uint32_t const lastClass = IndexOf(last);
+    std::uint32_t held = first;
+    for (std::uint32_t step = 0x8000; step > 0; step /= 2)
+      if (IndexOf(held + step) == firstClass) held += step;
+    if (held != last && IndexOf(held + 1) != lastClass) return kMixed;  // three classes or more
+    return lastClass << 24 | firstClass << 16 | (held & kLowBits);
+  }
+
+  CBitmapLegend const &m_legend;
+  unsigned char m_last;
+  std::vector<std::uint32_t> m_buckets;
+};
+
+// A part of a raster as an image, a palette index for each pixel. Rows of pixels lie from the bottom
+// up in the file, so they are made in that order, a row of cells at a time.
 class Picture {
  public:
-  explicit Picture(Rectangle const &part) : m_part(part) {
+  Picture(Rectangle const &part, CMultiScaleFloatMatrix const &raster, CBitmapLegend const &legend)
+      : m_part(part),
+        m_raster(raster),
+        m_legend(legend),
+        m_colors(std::clamp(legend.GetColorCount(), 0, kMostColors)) {
     constexpr std::int64_t kMostBytes = INT32_MAX - 2048;  // sizes in the file have 31 bits
     constexpr std::int64_t kFarAway = std::int64_t{1} << 40;
     m_part.row0 = std::clamp(part.row0, -kFarAway, kFarAway);
@@ -68,114 +142,109 @@ class Picture {
     m_height = m_part.rows * m_part.zoom;
     if (m_width > kMostBytes || m_height > kMostBytes) throw std::bad_alloc();
     m_rowBytes = (m_width + 3) / 4 * 4;
-    if (m_rowBytes * m_height > kMostBytes) throw std::bad_alloc();
-    m_pixels.resize(static_cast<std::size_t>(m_rowBytes * m_height));
+    m_size = m_rowBytes * m_height;
+    if (m_size > kMostBytes) throw std::bad_alloc();
   }
 
-  void Draw(CMultiScaleFloatMatrix const &raster, CBitmapLegend const &legend) {
-    UseColors(legend);
-    std::int64_t const firstCol = std::clamp<std::int64_t>(m_part.col0, 0, HeldCols(raster));
-    std::int64_t const endCol =
-        std::clamp<std::int64_t>(m_part.col0 + m_part.cols, firstCol, HeldCols(raster));
-    std::vector<float> values(static_cast<std::size_t>(endCol - firstCol));
-    std::vector<unsigned char> indices(static_cast<std::size_t>(m_part.cols), Background());
-    // Where the rectangle begins left of the raster, its first cells stay white.
-    unsigned char *classified =
-        indices.data() + std::clamp<std::int64_t>(firstCol - m_part.col0, 0, m_part.cols);
-    for (std::int64_t r = 0; r < m_part.rows; ++r) {
-      std::int64_t const row = m_part.row0 + r;
-      if (row < 0 || row >= raster.NRows()) {
-        std::fill(indices.begin(), indices.end(), Background());
-      } else {
-        CRasterAccess::ReadRow(raster, static_cast<int>(row), static_cast<int>(firstCol),
-                               static_cast<int>(values.size()), values.data());
-        Classify(legend, values, classified);
-      }
-      DrawRow(r, indices);
-    }
-  }
-
-  // A white box with black letters in the top left corner, over the cells, cut at the picture's
-  // edge.
-  void Stamp(CStampImage const &stamp) {
-    std::int64_t const held =
-        stamp.width > 0 ? static_cast<std::int64_t>(stamp.letters.size()) / stamp.width : 0;
-    std::int64_t const height = std::min({held, m_height, std::int64_t{stamp.height}});
-    std::int64_t const width = std::min(m_width, std::int64_t{stamp.width});
-    for (std::int64_t y = 0; y < height; ++y) {
-      unsigned char *row = PixelRow(m_height - 1 - y);
-      unsigned char const *letters =
-          stamp.letters.data() + static_cast<std::size_t>(y * stamp.width);
-      for (std::int64_t x = 0; x < width; ++x) row[x] = letters[x] != 0 ? Letters() : Background();
-    }
-  }
-
-  void Write(char const *file, CBitmapLegend const &legend) const {
+  // Writes the file; a failure is thrown as the system's text for it.
+  void Write(char const *file, CStampImage const &stamp) const {
     Bytes const fileHeader = FileHeader();
-    Bytes const info = InfoAndPalette(legend);
+    Bytes const info = InfoAndPalette();
+    std::vector<unsigned char> row(static_cast<std::size_t>(m_size > 0 ? m_rowBytes : 0));
+    std::vector<unsigned char> block;
+    block.reserve(row.size() + kBlockSize);
+
     NewFile out(SystemPath(file).c_str());
-    bool const written = out.IsOpen() && out.Write(fileHeader.Get().data(), kFileHeaderSize) &&
-                         out.Write(info.Get().data(), kInfoSize) &&
-                         out.Write(m_pixels.data(), m_pixels.size()) && out.Close();
+    bool written = out.IsOpen() && out.Write(fileHeader.Get().data(), kFileHeaderSize) &&
+                   out.Write(info.Get().data(), kInfoSize);
+    CellPainter painter(*this);
+    for (std::int64_t r = m_size > 0 ? m_part.rows - 1 : -1; r >= 0 && written; --r) {
+      painter.Paint(r, row.data());
+      for (std::int64_t k = m_part.zoom - 1; k >= 0 && written; --k) {
+        block.insert(block.end(), row.begin(), row.end());
+        StampRow(stamp, r * m_part.zoom + k, block.data() + block.size() - row.size());
+        if (block.size() < kBlockSize) continue;
+        written = out.Write(block.data(), block.size());
+        block.clear();
+      }
+    }
+    written = written && out.Write(block.data(), block.size()) && out.Close();
     if (!written) throw FormatError(file, LastSystemError());
   }
 
  private:
-  static std::int64_t HeldCols(CMultiScaleFloatMatrix const &raster) {
-    return std::max(raster.NCols(), 0);
+  static constexpr std::size_t kBlockSize = std::size_t{1} << 16;
+
+  // Makes rows of pixels from rows of cells.
+  class CellPainter {
+   public:
+    explicit CellPainter(Picture const &picture)
+        : m_part(picture.m_part),
+          m_raster(picture.m_raster),
+          m_background(picture.Background()),
+          m_classifier(picture.m_legend, picture.m_colors) {
+      std::int64_t const cols = std::max(m_raster.NCols(), 0);
+      std::int64_t const first = std::clamp<std::int64_t>(m_part.col0, 0, cols);
+      std::int64_t const end = std::clamp<std::int64_t>(m_part.col0 + m_part.cols, first, cols);
+      m_firstCol = static_cast<int>(first);
+      m_count = static_cast<int>(end - first);
+      m_left = std::clamp<std::int64_t>(first - m_part.col0, 0, m_part.cols);
+      m_values.resize(static_cast<std::size_t>(m_count));
+    }
+
+    // Row `r` of the rectangle. Cells outside the raster are white.
+    void Paint(std::int64_t r, unsigned char *pixels) {
+      std::int64_t const row = m_part.row0 + r;
+      bool const held = m_count > 0 && 0 <= row && row < m_raster.NRows();
+      std::fill_n(pixels, held ? m_left : m_part.cols, m_background);
+      if (held) {
+        float const *cells = CRasterAccess::Row(m_raster, static_cast<int>(row), m_firstCol,
+                                                m_count, m_values.data());
+        m_classifier.Classify(cells, cells + m_count, pixels + m_left);
+        std::fill(pixels + m_left + m_count, pixels + m_part.cols, m_background);
+      }
+      // One pixel for each cell becomes `zoom`, from the last on, so that none is overwritten before
+      // its turn.
+      for (std::int64_t c = m_part.zoom > 1 ? m_part.cols - 1 : -1; c >= 0; --c)
+        std::fill_n(pixels + c * m_part.zoom, m_part.zoom, pixels[c]);
+    }
+
+   private:
+    Rectangle m_part;
+    CMultiScaleFloatMatrix const &m_raster;
+    unsigned char m_background;
+    RowClassifier m_classifier;
+    int m_firstCol;       // of the raster, that lies in the rectangle ...
+    int m_count;          // ... with so many columns from there on ...
+    std::int64_t m_left;  // ... behind so many that do not
+    std::vector<float> m_values;
+  };
+
+  // A white box with black letters in the top left corner, over the cells, cut at the picture's
+  // edge: what of it lies in the row `y` from the top.
+  void StampRow(CStampImage const &stamp, std::int64_t y, unsigned char *pixels) const {
+    std::int64_t const held =
+        stamp.width > 0 ? static_cast<std::int64_t>(stamp.letters.size()) / stamp.width : 0;
+    if (y >= std::min(held, std::int64_t{stamp.height})) return;
+    std::int64_t const width = std::min(m_width, std::int64_t{stamp.width});
+    unsigned char const *letters = stamp.letters.data() + static_cast<std::size_t>(y * stamp.width);
+    for (std::int64_t x = 0; x < width; ++x) pixels[x] = letters[x] != 0 ? Letters() : Background();
   }
+
   unsigned char Background() const { return static_cast<unsigned char>(m_colors); }
   unsigned char Letters() const { return static_cast<unsigned char>(m_colors + 1); }
-  unsigned char *PixelRow(std::int64_t fromBottom) {
-    return m_pixels.data() + fromBottom * m_rowBytes;
-  }
-
-  void UseColors(CBitmapLegend const &legend) {
-    m_colors = std::clamp(legend.GetColorCount(), 0, kMostColors);
-  }
-
-  // Neighbouring cells are often equal: their class is asked for once.
-  void Classify(CBitmapLegend const &legend, std::vector<float> const &values,
-                unsigned char *indices) const {
-    auto const last = static_cast<unsigned char>(std::max(m_colors - 1, 0));
-    std::uint32_t before = 0;
-    unsigned char index = 0;
-    bool first = true;
-    for (std::size_t i = 0; i < values.size(); ++i) {
-      auto const bits = std::bit_cast<std::uint32_t>(values[i]);
-      if (first || bits != before) index = std::min(legend.GetColorIndexOfValue(values[i]), last);
-      first = false;
-      before = bits;
-      indices[i] = index;
-    }
-  }
-
-  // A row of cells as `zoom` equal rows of pixels.
-  void DrawRow(std::int64_t r, std::vector<unsigned char> const &indices) {
-    if (m_part.zoom < 1) return;
-    std::int64_t const bottom = (m_part.rows - 1 - r) * m_part.zoom;
-    unsigned char *first = PixelRow(bottom);
-    if (m_part.zoom == 1) {
-      std::copy(indices.begin(), indices.end(), first);
-      return;
-    }
-    unsigned char *out = first;
-    for (unsigned char const index : indices) out = std::fill_n(out, m_part.zoom, index);
-    for (std::int64_t k = 1; k < m_part.zoom; ++k)
-      std::copy_n(first, m_width, PixelRow(bottom + k));
-  }
 
   Bytes FileHeader() const {
     Bytes header(kFileHeaderSize);
     constexpr std::uint64_t kPixelsAt = kFileHeaderSize + kInfoSize;
     header.Add(19778, 2);  // "BM"
-    header.Add(kPixelsAt + m_pixels.size(), 4);
+    header.Add(kPixelsAt + static_cast<std::uint64_t>(m_size), 4);
     header.Add(0, 4);
     header.Add(kPixelsAt, 4);
     return header;
   }
 
-  Bytes InfoAndPalette(CBitmapLegend const &legend) const {
+  Bytes InfoAndPalette() const {
     Bytes info(kInfoSize);
     info.Add(kInfoHeaderSize, 4);
     info.Add(static_cast<std::uint64_t>(m_width), 4);
@@ -183,13 +252,13 @@ class Picture {
     info.Add(1, 2);  // planes
     info.Add(8, 2);  // bits a pixel
     info.Add(0, 4);  // no compression
-    info.Add(m_pixels.size(), 4);
+    info.Add(static_cast<std::uint64_t>(m_size), 4);
     info.Add(0, 8);  // pixels per metre, not told
     info.Add(kPaletteEntries, 4);
     info.Add(0, 4);
     for (int i = 0; i < kPaletteEntries; ++i) {
       unsigned long color = i == m_colors ? kWhite : 0;
-      if (i < m_colors) color = legend.GetIthColor(i);
+      if (i < m_colors) color = m_legend.GetIthColor(i);
       info.Add(color >> 16 & 0xFF, 1);
       info.Add(color >> 8 & 0xFF, 1);
       info.Add(color & 0xFF, 1);
@@ -199,11 +268,13 @@ class Picture {
   }
 
   Rectangle m_part;
+  CMultiScaleFloatMatrix const &m_raster;
+  CBitmapLegend const &m_legend;
+  int m_colors;  // of the legend, as many as find a place
   std::int64_t m_width = 0;
   std::int64_t m_height = 0;
-  std::int64_t m_rowBytes = 0;
-  std::vector<unsigned char> m_pixels;
-  int m_colors = 0;  // of the legend, as many as find a place
+  std::int64_t m_rowBytes = 0;  // a multiple of 4; what fills a row up is 0
+  std::int64_t m_size = 0;      // of all pixels, in bytes
 };
 
 // A typed map's raster as floats. Where the new raster's blocks are coarse, the last value of a
@@ -232,10 +303,8 @@ constexpr char kBoxTitle[] = "Save bitmap";
 bool WriteBitmap(char const *file, CMultiScaleFloatMatrix &raster, long row0, long col0, long rows,
                  long cols, long zoom, char const *stamp, CBitmapLegend &legend) {
   try {
-    Picture picture({row0, col0, rows, cols, zoom});
-    picture.Draw(raster, legend);
-    picture.Stamp(GetApplication().MakeStamp(stamp));
-    picture.Write(file, legend);
+    Picture const picture({row0, col0, rows, cols, zoom}, raster, legend);
+    picture.Write(file, GetApplication().MakeStamp(stamp));
     return true;
   } catch (std::string const &text) {
     ShowMessageBox(text.c_str(), kBoxTitle);
@@ -266,9 +335,11 @@ int CMatrixBaseMap<T>::WriteBitmap(char const *file, int zoom, CRect rectangle, 
   } else {
     CopyAsFloats(*m_pMatrix, m_nRows, m_nCols, floats);
   }
-  auto const length = [](int from, int to) { return static_cast<long>(to) - from + 1; };
-  long const rows = std::min<long>(m_nRows, length(rectangle.top, rectangle.bottom));
-  long const cols = std::min<long>(m_nCols, length(rectangle.left, rectangle.right));
+  auto const shorter = [](int size, std::int64_t from, std::int64_t to) {
+    return static_cast<long>(std::clamp<std::int64_t>(to - from + 1, INT_MIN, size));
+  };
+  long const rows = shorter(m_nRows, rectangle.top, rectangle.bottom);
+  long const cols = shorter(m_nCols, rectangle.left, rectangle.right);
   return ::WriteBitmap(file, *raster, std::max(rectangle.top, 0), std::max(rectangle.left, 0), rows,
                        cols, zoom, stamp, legend)
              ? 1

@@ -5,6 +5,7 @@
 
 #include <quillaven/exchange/idrisi_header.h>
 #include <quillaven/foundation/errors.h>
+#include <quillaven/foundation/input_file_internal.h>
 #include <quillaven/foundation/line_reader_internal.h>
 #include <quillaven/foundation/number_text_internal.h>
 #include <quillaven/foundation/numbers.h>
@@ -56,7 +57,7 @@ std::string WholeText(double number) {
 }  // namespace
 
 bool CIdrisiImageHeader::ReadFile(char const *file) {
-  std::ifstream stream(SystemPath(file));
+  std::ifstream stream = OpenInputFile(file);
   if (!stream) {
     NoSuchFile(file);
     return false;

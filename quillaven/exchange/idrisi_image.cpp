@@ -1,7 +1,6 @@
 // Idrisi pairs: the documentation file with the image file of cells beside it.
 
 #include <algorithm>
-#include <bit>
 #include <cstdint>
 #include <cstdlib>
 #include <fstream>
@@ -11,12 +10,15 @@
 #include <quillaven/exchange/cell_conversion_internal.h>
 #include <quillaven/exchange/idrisi_header.h>
 #include <quillaven/exchange/raster_exchange_internal.h>
+#include <quillaven/foundation/byte_order_internal.h>
 #include <quillaven/foundation/errors.h>
+#include <quillaven/foundation/input_file_internal.h>
 #include <quillaven/foundation/number_text_internal.h>
 #include <quillaven/platform/number_locale_internal.h>
 #include <quillaven/platform/system_paths.h>
 #include <quillaven/raster/raster_access_internal.h>
 #include <quillaven/raster/raster_operations.h>
+#include <quillaven/raster/shape_check_internal.h>
 
 namespace {
 
@@ -32,17 +34,6 @@ bool EqualsWithoutCase(std::string const &text, std::string const &lowerCase) {
   CString lower(text);
   lower.MakeLower();
   return lower == lowerCase;
-}
-
-// Cells are little-endian in the file on every machine.
-template <class Cell>
-void SwapIfBigEndian(std::vector<Cell> &cells) {
-  if constexpr (std::endian::native == std::endian::big && sizeof(Cell) > 1) {
-    for (Cell &cell : cells) {
-      auto *bytes = reinterpret_cast<unsigned char *>(&cell);
-      std::reverse(bytes, bytes + sizeof(Cell));
-    }
-  }
 }
 
 // Calls `work` with a zero of the element type that a data type stands for; false for any other
@@ -118,7 +109,7 @@ bool ReadImage(std::istream &stream, CMultiScaleMatrix<T> &raster) {
 }
 
 std::uint64_t SizeOfFile(std::string const &file) {
-  std::ifstream stream(SystemPath(file), std::ios::binary | std::ios::ate);
+  std::ifstream stream = OpenInputFile(file, std::ios::binary | std::ios::ate);
   return stream ? static_cast<std::uint64_t>(stream.tellg()) : 0;
 }
 
@@ -166,7 +157,7 @@ bool ImportIdrisi(char const *file, CMultiScaleMatrix<T> &raster) {
                DefaultFineResolution());
   SetNoDataFromFlag(raster, header.FlagValue());
   return DispatchOnDataType(header.DataType(), [&](auto zero) {
-    std::ifstream stream(SystemPath(image), std::ios::binary);
+    std::ifstream stream = OpenInputFile(image, std::ios::binary);
     if (!stream) {
       NoSuchFile(image.c_str());
       return false;

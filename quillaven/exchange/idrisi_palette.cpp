@@ -6,6 +6,7 @@
 
 #include <quillaven/exchange/idrisi_palette.h>
 #include <quillaven/foundation/errors.h>
+#include <quillaven/foundation/input_file_internal.h>
 #include <quillaven/platform/message_box_internal.h>
 #include <quillaven/platform/system_paths.h>
 
@@ -21,7 +22,7 @@ constexpr std::size_t kFullPalette = 256;
 }  // namespace
 
 bool ReadIdrisiPalette(char const *file, std::vector<unsigned long> &palette) {
-  std::ifstream stream(SystemPath(file), std::ios::binary);
+  std::ifstream stream = OpenInputFile(file, std::ios::binary);
   if (!stream) {
     NoSuchFile(file);
     return false;

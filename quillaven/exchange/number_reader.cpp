@@ -27,6 +27,7 @@ std::string TextReader::Line(std::size_t longest) {
   char const *end = std::find(m_at, limit, '\n');
   std::string line(m_at, end);
   m_at = end;
+  if (m_end - m_at > 1 && m_at[0] == '\r' && m_at[1] == '\n') ++m_at;
   bool const ended = m_at == m_end || *m_at == '\n';
   if (m_at == m_end) {
     m_metEnd = true;

@@ -51,7 +51,9 @@ std::string lftostr(char const *format, double value) {
 
 char *strNcpy(char *target, char const *source, unsigned int size) {
   if (size == 0) return target;
-  std::size_t const length = std::strlen(source) < size ? std::strlen(source) : size;
+  // Fields of a fixed size need not end with a zero byte: nothing behind them is read.
+  auto const *zero = static_cast<char const *>(std::memchr(source, 0, size));
+  std::size_t const length = zero != nullptr ? static_cast<std::size_t>(zero - source) : size;
   std::memcpy(target, source, length);
   std::memset(target + length, 0, size - length);  // as strncpy pads
   target[size - 1] = '\0';

@@ -50,6 +50,12 @@ TEST(strNcpy, SourceThatJustFitsIsWhole) {
   EXPECT_STREQ(strNcpy(target, "abcd", 1), "");
 }
 
+TEST(strNcpy, SourceWithoutAZeroByteIsNotReadBeyondTheSize) {
+  char const source[] = {'a', 'b', 'c', 'd'};
+  char target[4];
+  EXPECT_STREQ(strNcpy(target, source, 4), "abc");
+}
+
 TEST(strNcpy, SizeZeroWritesNothing) {
   char target[] = "x";
   EXPECT_EQ(strNcpy(target, "abc", 0), target);

@@ -85,11 +85,12 @@ CString GetFullPath(CString base, CString path) {
   if (HasDrive(path)) return path;
   if (path.Left(1) == "\\") return HasDrive(base) ? CString(base.Left(2) + path) : path;
   if (path.Left(2) == ".\\") {
-    CutLastComponent(base);
+    // A base that is a name alone lies in no directory that could be put in front.
+    if (!CutLastComponent(base)) return path.Mid(2);
     return base + path.Mid(1);
   }
   if (path.Left(1) == ".") {
-    CutLastComponent(base);
+    if (!CutLastComponent(base)) return path;
     while (path.Left(3) == "..\\") {
       path = path.Mid(3);
       CutLastComponent(base);
@@ -133,10 +134,10 @@ CString AbsPathOfFile(char const *file) {
   return path + "\\";
 }
 
-int IsValidFileName(CString name) {
+int IsValidFileName(CString name) {  // NOLINT: by value for its callers
   return IsFileName(SystemPath(name).c_str()) ? 1 : 0;
 }
-int FileExists(CString name) {
+int FileExists(CString name) {  // NOLINT: by value for its callers
   return CanOpenFile(SystemPath(name).c_str()) ? 1 : 0;
 }
 

@@ -76,6 +76,11 @@ TEST(GetFullPath, BaseWithoutBackslashAddsNothing) {
   EXPECT_EQ(Full("map.txt", "x.img"), "x.img");
 }
 
+TEST(GetFullPath, BaseThatIsANameAloneIsNoDirectoryForDots) {
+  EXPECT_EQ(GetFullPath("map.txt", ".\\x.img"), "x.img");
+  EXPECT_EQ(GetFullPath("map.txt", "..\\x.img"), "..\\x.img");
+}
+
 TEST(GetFullPath, PathFromTheRootIsCompleteWhereTheBaseHasNoDrive) {
   EXPECT_EQ(Full("\\data\\map.txt", "\\other\\x"), "\\other\\x");
   EXPECT_EQ(Full("\\data\\sub\\map.txt", "..\\x"), "\\data\\x");

@@ -30,6 +30,8 @@ class QUILLAVEN_API CBitmapLegend {
   unsigned char GetColorIndexOfValue(float value) const;
 
  private:
+  friend struct CBitmapLegendAccess;
+
   /// Holds the legend items; it has no raster.
   class CTempBaseMap : public CBaseMap {
    public:

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include <quillaven/foundation/errors.h>
+#include <quillaven/foundation/input_file_internal.h>
 #include <quillaven/foundation/line_reader_internal.h>
 #include <quillaven/foundation/number_text_internal.h>
 #include <quillaven/foundation/numbers.h>
@@ -140,7 +141,7 @@ void CMapLegend::SetBaseMapLegend(CBaseMap *map, char const *file) {
   int version = 1;
   if (file != nullptr) {
     CString const path = LegendPath(file);
-    std::ifstream stream(SystemPath(path));
+    std::ifstream stream = OpenInputFile(path);
     opened = static_cast<bool>(stream);
     if (opened) {
       label = path;
@@ -406,8 +407,8 @@ void CMapLegend::SetBaseMapLegend(CBaseMap *map, int colorOrder, int legendType,
                                   std::vector<std::string> &names,
                                   std::vector<unsigned long> &colors) {
   // Copies, since the lists may be the map's own, which are emptied first.
-  std::vector<std::string> const newNames = names;
-  std::vector<unsigned long> const newColors = colors;
+  std::vector<std::string> const newNames(names.begin(), names.end());
+  std::vector<unsigned long> const newColors(colors.begin(), colors.end());
   m_Lo.clear();
   m_Hi.clear();
   m_nStateOrderColor = colorOrder;

@@ -276,6 +276,67 @@ TEST_F(LegendFiles, LineOfExactly511CharactersIsOne) {
   EXPECT_EQ(map.m_LegendNames, (Names{name, "b"}));
 }
 
+TEST_F(LegendFiles, LineOf511CharactersMayEndWithACarriageReturn) {
+  std::string const name(511, 'n');
+  Load(
+      "Version 2\r\nNClasses 2\r\nPalette\r\n1 2 3\r\n4 5 6\r\nStateOrderColor 0\r\n"
+      "LegendType 0\r\n" +
+      name + "\r\nb\r\n");
+  EXPECT_EQ(map.m_LegendNames, (Names{name, "b"}));
+}
+
+TEST_F(LegendFiles, FolderInPlaceOfAFileIsToldAndGivesTheDefault) {
+  directory.Write("Legends/sub/x", "");
+  legend.SetBaseMapLegend(&map, "sub");
+  ASSERT_EQ(application.boxes.size(), 2U);
+  EXPECT_EQ(application.boxes[0].title, "Error: Cannot open file");
+  EXPECT_EQ(application.boxes[1].title, "Error: Cannot create file");
+  ExpectDefaultProper();
+}
+
+TEST_F(LegendFiles, MissingFileBehindACategorialLegendGivesTheCategorialDefault) {
+  Load("Version 2\nNClasses 2\nPalette\n1 2 3\n4 5 6\nStateOrderColor 0\nLegendType 0\na\nb\n");
+  legend.SetBaseMapLegend(&map, "new.txt");
+  ExpectCategorialDefault();
+  EXPECT_NE(directory.Read("Legends/new.txt").find("LegendType 0\n"), std::string::npos);
+}
+
+TEST_F(LegendFiles, TypeOtherThanOneGoesOnWithItsNames) {
+  Load("Version 2\nNClasses 2\nPalette\n1 2 3\n4 5 6\nStateOrderColor 0\nLegendType 7\na\nb\n");
+  EXPECT_TRUE(application.boxes.empty());
+  EXPECT_EQ(legend.LegendType(), 7);
+  EXPECT_EQ(map.m_LegendNames, (Names{"a", "b"}));
+}
+
+TEST_F(LegendFiles, PaletteLineIsKnownByItsFirstSevenCharacters) {
+  Load("Version 2\nNClasses 2\nPalettes x\nStateOrderColor 0\nLegendType 0\na\nb\n");
+  EXPECT_EQ(legend.PaletteFile(), "s x");
+  EXPECT_EQ(map.m_LegendNames, (Names{"a", "b"}));
+}
+
+TEST_F(LegendFiles, KeywordsAreMatchedWithCaseAtTheStartOfTheLine) {
+  Load("version 2\nNClasses 1\n");
+  EXPECT_NE(Box().find("contains bad char at column 1:\n'version 2'"), std::string::npos);
+  Load(" Version 2\nNClasses 1\n");
+  Load("Version 2\nnclasses 1\n");
+  ASSERT_EQ(application.boxes.size(), 3U);
+  EXPECT_EQ(Box(2), "version 2 Legend: 'NClasses <num>' expected instead of 'nclasses 1'");
+}
+
+TEST_F(LegendFiles, NumericFileThatEndsInItsNamesHasEmptyOnesAndMissesTheOrder) {
+  Load(kIntervals.substr(0, kIntervals.find("high")));
+  ASSERT_EQ(application.boxes.size(), 1U);
+  EXPECT_EQ(Box(), "version 2 Legend: 'StateOrder <num>' expected instead of ''");
+}
+
+TEST_F(LegendFiles, VersionTwoBehindLinesOfVersionOneMayStillFail) {
+  Load("0 1 1 2 3 a\n1 2 1 2 3 b\nVersion 2\nbad\n");
+  ASSERT_EQ(application.boxes.size(), 1U);
+  EXPECT_EQ(Box(), "version 2 Legend: 'NClasses <num>' expected instead of 'bad'");
+  EXPECT_EQ(map.m_LegendNames, (Names{"a", "b"}));  // what was read before is made complete
+  EXPECT_EQ(legend.NClasses(), 2);
+}
+
 TEST_F(LegendFiles, VersionTwoNumericFileIsReadWhole) {
   Load(kIntervals);
   EXPECT_TRUE(application.boxes.empty());

@@ -48,10 +48,13 @@ void CMapLegend::GenerateColorItem(std::vector<unsigned long> &colors,
   for (std::size_t i = 0; i < colors.size(); ++i) {
     std::size_t k = i % size;
     if (m_nLegendType == kNumeric) {
-      // The first class has the first colour and the last the last; a single class has the first.
-      double const share =
-          colors.size() > 1 ? last * static_cast<double>(i) / (m_nClasses - 1) : 0.0;
-      k = static_cast<std::size_t>(share);
+      // The first class has the first colour and the last the last; a single class has the first,
+      // whatever the order of the colours is.
+      if (colors.size() == 1) {
+        colors[i] = working[0];
+        break;
+      }
+      k = static_cast<std::size_t>(last * static_cast<double>(i) / (m_nClasses - 1));
     }
     colors[i] = working[m_nStateOrderColor != 0 ? size - k - 1 : k];
   }

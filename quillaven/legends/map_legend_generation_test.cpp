@@ -60,6 +60,8 @@ TEST(GenerateColorItem, SingleNumericClassTakesTheFirstEntry) {
   CMapLegend legend;
   legend.NClasses(1);
   EXPECT_EQ(Generated(legend, Counting(9)), (Colors{0}));
+  legend.StateOrderColor(1);  // the order of the colours means nothing to one class
+  EXPECT_EQ(Generated(legend, Counting(9)), (Colors{0}));
 }
 
 TEST(GenerateColorItem, WithoutAPaletteThereAreGreyStepsAndNoReversal) {

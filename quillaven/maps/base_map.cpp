@@ -1,10 +1,10 @@
 #include <array>
 #include <fstream>
 
+#include <quillaven/foundation/input_file_internal.h>
 #include <quillaven/maps/base_map.h>
 #include <quillaven/platform/exceptions.h>
 #include <quillaven/platform/message_box_internal.h>
-#include <quillaven/platform/system_paths.h>
 
 namespace {
 
@@ -129,7 +129,7 @@ void CBaseMap::ClearLegend() {
 
 bool CBaseMap::GetTypeOfFile(char const *path, CFileType &type) {
   type = ftUnknown;
-  std::ifstream file(SystemPath(path), std::ios::binary);
+  std::ifstream file = OpenInputFile(path, std::ios::binary);
   std::array<char, 16> start{};
   if (!file.read(start.data(), start.size())) return false;
   for (char const c : start) {

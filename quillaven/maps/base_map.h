@@ -40,7 +40,7 @@ class QUILLAVEN_API CBaseMap {
     CBool() = default;
     CBool(bool value) : m_bValue(value) {}  // NOLINT: stands where a bool stands
     CBool(CBool const &) = default;
-    CBool const &operator=(bool const &value) {
+    CBool const &operator=(bool const &value) {  // NOLINT: the result is const, as the other's is
       m_bValue = value;
       return *this;
     }
@@ -71,7 +71,13 @@ class QUILLAVEN_API CBaseMap {
   virtual CLegendSymbolType GetLegendItemSymbol(int /*item*/) { return lstDefault; }
   virtual int UnderlineItem(int /*item*/) { return 0; }
 
-  /// Colour and name of the legend item of a cell, with no test of the item's range.
+  /// Stores or loads the document, as the archive is made: the stored sizes, then the names and
+  /// colours of the legend items. A name ends at its first zero byte. What the archive throws
+  /// passes, and a map that was being loaded stays partly loaded; a number of items below 0 is
+  /// std::bad_alloc. The cells follow in the typed maps.
+  virtual void Serialize(CArchive &archive);
+
+  /// Colour and name of the legend item of a cell; 0 and an empty text for an item that is none.
   virtual unsigned long GetCellColor(int row, int col);
   virtual std::string GetCellString(int row, int col);
   /// The legend item of a cell; -1 for a cell without data.

@@ -7,6 +7,7 @@
 
 #include <quillaven/foundation/numbers.h>
 #include <quillaven/foundation/random_internal.h>
+#include <quillaven/foundation/rounding_internal.h>
 #include <quillaven/legends/map_legend_internal.h>
 #include <quillaven/maps/cells_changed_internal.h>
 #include <quillaven/maps/matrix_base_map.h>
@@ -168,12 +169,12 @@ T CMatrixBaseMap<T>::ValueOfItem(int item) const {
   if constexpr (std::is_same_v<T, unsigned char>) {
     return static_cast<unsigned char>(item);
   } else {
-    PointLocale const numbers;
     std::string const name = GetLegendItemName(item);
     if constexpr (std::is_floating_point_v<T>) {
+      PointLocale const numbers;
       return static_cast<T>(std::strtod(name.c_str(), nullptr));
     } else {
-      return static_cast<T>(std::strtol(name.c_str(), nullptr, 10));
+      return static_cast<T>(LeadingInteger(name.c_str()));
     }
   }
 }
@@ -223,7 +224,8 @@ void CMatrixBaseMap<T>::PaintArea(int startRow, int startCol, int old, T value) 
 
   // What was queued had the class then. It may have lost it only by a block painted through another
   // cell, by jitter, or by a column that the queue cannot hold.
-  bool const staysAsQueued = m_pMatrix->W() < 2 && !m_bJitter && m_nCols <= kMostColumns;
+  bool const staysAsQueued =
+      m_pMatrix->W() < 2 && !m_bJitter && std::max(m_nCols, NCols()) <= kMostColumns;
 
   std::deque<std::uint32_t> queue{CellCode(startRow, startCol)};
   while (!queue.empty()) {

@@ -65,6 +65,14 @@ class CMatrixBaseMap : public CBaseMap {
   void ReadLegend(char const *file);
   void WriteLegend(char const *file);
 
+  /// Stores or loads the map file: the base's part, then every cell of the fine grid row by row, 4,
+  /// 2 or 1 bytes each, little-endian. Storing takes the stored sizes m_nRows and m_nCols, which
+  /// must be the raster's. Loading redimensions the raster with the default resolution; a coarse
+  /// block keeps the last of its cells. The no-data value, the legend rule and the modified word
+  /// stay as they are. What the archive throws passes; sizes that the file cannot hold end in
+  /// endOfFile or std::bad_alloc, with an empty raster. Costs one pass over the cells.
+  void Serialize(CArchive &archive) override;
+
   /// Reads and writes a raster file by format number: 0 an Idrisi pair, 1 an ASCII grid. Non-zero
   /// for success. An import redimensions the raster with the default resolution; it tells the main
   /// window and sets the modified bit first, whatever comes of it.

@@ -282,6 +282,16 @@ TEST(SetCell, ItemWhoseNameIsNoNumberIsZero) {
   EXPECT_EQ(shortMap.ValueOfLegendIndex(0), static_cast<short>(70000 - 65536));
 }
 
+TEST(SetCell, ItemNamedByANumberThatNoIntHoldsIsTheNearestInt) {
+  CMultiScaleShortMatrix raster;
+  raster.Redim(1, 1, 1);
+  CShortMatrixBaseMap map;
+  map.Attach("a", "a", &raster, nullptr);
+  map.ClearLegend();
+  map.AddLegendItem("99999999999", 0);
+  EXPECT_EQ(map.ValueOfLegendIndex(0), -1);  // the low bits of 2147483647
+}
+
 TEST(SetCell, ChangesAWholeCoarseBlock) {
   CMultiScaleByteMatrix raster = Drawn({"0000", "0000", "0000", "0000"}, 2);
   CByteMatrixBaseMap map;
@@ -580,6 +590,25 @@ TEST(FillArea, IsExactUpTo1024Columns) {
   std::vector<std::string> filled =
       Fill({std::string(1024, '1'), std::string(1024, '1')}, {0, 0}, 5);
   EXPECT_EQ(filled, (std::vector<std::string>{std::string(1024, '5'), std::string(1024, '5')}));
+}
+
+TEST(FillArea, OnAMapWhoseRasterHasGrownAsksAgainForEveryClass) {
+  // The map still knows 10 columns when the fill begins, and learns of 1500 at cell (0, 0).
+  CMultiScaleByteMatrix raster;
+  raster.Redim(2, 10, 1);
+  CByteMatrixBaseMap map;
+  AttachTen(map, raster);
+  raster.Redim(2, 1500, 1);
+  for (int col = 0; col < 1500; ++col) {
+    raster.At(0, col) = 1;
+    raster.At(1, col) = 2;
+  }
+  map.m_nSelectedItem = 5;
+  map.FillArea(0, 3);
+  for (int col = 0; col < 1500; ++col) {
+    EXPECT_EQ(raster.At(0, col), col < 1024 ? 5 : 1) << col;
+    EXPECT_EQ(raster.At(1, col), 2) << col;
+  }
 }
 
 TEST(FillArea, BeyondColumn1023GoesOnAtTheStartOfTheNextRow) {

@@ -16,7 +16,7 @@ constexpr std::size_t kLongestText = 4096;  // no picture is wider than that
 
 // The letters as they look, 16 to a band, each 5 columns wide.
 // clang-format off
-constexpr std::array<std::string_view, 6 * kGlyphHeight> kBands{
+constexpr std::array<std::string_view, std::size_t{6} * kGlyphHeight> kBands{
     // blank to /
     "..... ..#.. .#.#. ..... ..#.. ##..# .##.. ..#.. ...#. .#... ..... ..... ..... ..... ..... ....#",
     "..... ..#.. .#.#. .#.#. .#### ##..# #..#. ..#.. ..#.. ..#.. ..#.. ..#.. ..... ..... ..... ....#",
@@ -82,7 +82,8 @@ int GlyphOf(char c) {
 bool IsLetterPixel(int glyph, int x, int y) {
   int const band = glyph / kGlyphsInBand;
   int const column = glyph % kGlyphsInBand * kCellWidth + x;
-  std::string_view const row = kBands[static_cast<std::size_t>(band * kGlyphHeight + y)];
+  std::string_view const row =
+      kBands[static_cast<std::size_t>(band) * kGlyphHeight + static_cast<std::size_t>(y)];
   return row[static_cast<std::size_t>(column)] == '#';
 }
 

@@ -1,4 +1,4 @@
-// The string class of the interfaces that speak in CString, and plain arrays.
+// The string class of the interfaces that speak in CString, and growing arrays.
 //
 //   CString path = "C:\\Data\\map.txt";
 //   int cut = path.ReverseFind('\\');
@@ -11,10 +11,14 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include <quillaven/platform/api.h>
+
+class CArchive;
 
 class QUILLAVEN_API CString : public std::string {
  public:
@@ -52,4 +56,39 @@ class QUILLAVEN_API CString : public std::string {
     return static_cast<std::size_t>(count) < size() ? static_cast<std::size_t>(count) : size();
   }
   static int Position(std::size_t found) { return found == npos ? -1 : static_cast<int>(found); }
+};
+
+/// A growing array. GetAt, SetAt and [] throw std::out_of_range for a place that is none; a size
+/// below 0 is 0. New elements are values of T{}.
+template <class T>
+class CArray {
+ public:
+  int GetSize() const { return static_cast<int>(m_Items.size()); }
+  bool IsEmpty() const { return m_Items.empty(); }
+  void SetSize(int size) { m_Items.resize(size > 0 ? static_cast<std::size_t>(size) : 0); }
+  void RemoveAll() { m_Items.clear(); }
+  /// Appends, and returns the place of the new element.
+  int Add(T const &item) {
+    m_Items.push_back(item);
+    return GetSize() - 1;
+  }
+  T const &GetAt(int at) const { return m_Items.at(static_cast<std::size_t>(at)); }
+  void SetAt(int at, T const &item) { m_Items.at(static_cast<std::size_t>(at)) = item; }
+  T const &operator[](int at) const { return GetAt(at); }
+  T &operator[](int at) { return m_Items.at(static_cast<std::size_t>(at)); }
+
+ private:
+  std::vector<T> m_Items;
+};
+
+/// Texts of a document. In an archive: the number of texts in count form, each in string form.
+class QUILLAVEN_API CStringArray : public CArray<CString> {
+ public:
+  void Serialize(CArchive &archive);
+};
+
+/// Unsigned 32-bit numbers of a document. In an archive: how many in count form, 4 bytes each.
+class QUILLAVEN_API CDWordArray : public CArray<std::uint32_t> {
+ public:
+  void Serialize(CArchive &archive);
 };

@@ -73,9 +73,9 @@ template <class T>
 void CFineBlockPool<T>::ReleaseSlot(int slot) {
   auto const k = static_cast<std::size_t>(slot);
   if (k >= m_SlotFree.size() || m_SlotFree[k] == 1) return;
+  m_FreeList.push_back(slot);  // first, as nothing has changed yet if there is no memory for it
   m_SlotFree[k] = 1;
-  m_FreePos[k] = static_cast<std::int32_t>(m_FreeList.size());
-  m_FreeList.push_back(slot);
+  m_FreePos[k] = static_cast<std::int32_t>(m_FreeList.size()) - 1;
 }
 
 template <class T>

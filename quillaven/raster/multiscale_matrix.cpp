@@ -68,10 +68,9 @@ void CMultiScaleMatrix<T>::Coarsen(int row, int col) {
   int const blockRow = m_Divide(row);
   int const blockCol = m_Divide(col);
   T const value = At(row, col);
-  int const slot = m_FineIndex[blockRow][blockCol] - 1;
+  m_Pool.ReleaseSlot(m_FineIndex[blockRow][blockCol] - 1);  // may run out of memory, so comes first
   m_FineIndex[blockRow][blockCol] = 0;
   CoarseAt(blockRow, blockCol) = value;
-  m_Pool.ReleaseSlot(slot);
 }
 
 template <class T>

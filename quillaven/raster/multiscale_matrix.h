@@ -104,7 +104,8 @@ class CMultiScaleMatrix {
   /// At with a test: false, and `out` as it was, for a cell that is none.
   bool GetSave(int row, int col, T &out) const;
 
-  /// Whether the block of a cell is fine; true for every cell at W = 1. False outside the raster.
+  /// Whether the block of a cell is fine; true for every place at W = 1, else false outside the
+  /// raster.
   bool FineCell(int row, int col) const;
   /// Brings the block of a cell to a scale. A block that becomes fine has its coarse value in every
   /// cell; one that becomes coarse keeps the value of exactly the cell that is named. Nothing

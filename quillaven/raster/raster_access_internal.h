@@ -59,6 +59,16 @@ struct CRasterAccess {
     });
   }
 
+  /// The cells of a row from column `first` on: the raster's own where they lie side by side, else
+  /// copied to `buffer`, which has room for `count` of them.
+  template <class T>
+  static T const *Row(CMultiScaleMatrix<T> const &raster, int row, int first, int count,
+                      T *buffer) {
+    if (raster.m_nResolution < 2 && count > 0) return CoarseRow(raster, row) + first;
+    ReadRow(raster, row, first, count, buffer);
+    return buffer;
+  }
+
   /// Stores a whole row as if cell by cell: in a coarse block the last cell wins.
   template <class T>
   static void WriteRow(CMultiScaleMatrix<T> const &raster, int row, T const *in) {

@@ -7,6 +7,8 @@
 
 #include <quillaven/raster/raster_operations.h>
 
+#include "tests/support/allocation_count.h"
+
 namespace {
 
 using Place = std::pair<int, int>;
@@ -222,6 +224,46 @@ TEST(AssignMultiScaleMatrix, SetsEveryAddressableCell) {
   EXPECT_EQ(bytes.At(2, 2), 200);
 }
 
+TEST(AssignMultiScaleMatrix, AllocatesNothing) {
+  for (int cols : {8, 9}) {  // with and without fine blocks across the edge
+    CMultiScaleFloatMatrix raster = Made(8, cols, 4);
+    raster.FineCell(0, 0, true);
+    raster.FineCell(7, cols - 1, true);
+    long const before = AllocationCount();
+    AssignMultiScaleFloatMatrix(raster, 3.0F);
+    CopyMultiScaleFloatMatrix(raster, raster);
+    EXPECT_EQ(AllocationCount(), before) << cols;
+  }
+}
+
+TEST(AssignMultiScaleMatrix, CellsOfAFineBlockBeyondTheEdgeKeepWhatTheyHold) {
+  CMultiScaleFloatMatrix raster = Made(4, 5, 4);
+  raster.FineCell(0, 4, true);
+  float *block = &raster.At(0, 4);  // rows of four cells, of which the first is on the raster
+  block[1] = 77;
+  AssignMultiScaleFloatMatrix(raster, 3.0F);
+  EXPECT_EQ(block[0], 3.0F);
+  EXPECT_EQ(block[1], 77.0F);
+  CMultiScaleFloatMatrix const source = raster;
+  block[1] = 78;
+  CopyMultiScaleFloatMatrix(raster, source);
+  EXPECT_EQ(block[1], 78.0F);
+}
+
+TEST(AssignMultiScaleMatrix, SetsEveryCellThoughTwoBlocksNameOneSlot) {
+  CMultiScaleFloatMatrix raster = Made(4, 6, 4);
+  raster.FineCell(0, 4, true);
+  CMultiScaleByteMatrix pattern;
+  pattern.Redim(4, 6, 4);
+  pattern.FineCell(0, 0, true);
+  DefaultResolutionMap(&pattern);
+  raster.Redim(4, 6, 4);  // block 0 gets the slot that the entry of block 1 still names
+  DefaultResolutionMap(nullptr);
+  AssignMultiScaleFloatMatrix(raster, 7.0F);
+  for (int row = 0; row < 4; ++row)
+    for (int col = 0; col < 6; ++col) EXPECT_EQ(raster.At(row, col), 7.0F) << row << ", " << col;
+}
+
 TEST(EvalMapFunc, AsksForACoarseBlockOnceAtItsTopLeftCell) {
   CMultiScaleFloatMatrix raster = Made(10, 15, 5);
   Recorder<float> function;
@@ -300,6 +342,13 @@ TEST(WholeRasterOperations, AgreeWithCellByCellLoopsOnRandomRasters) {
         ASSERT_EQ(raster.At(row, col), source.At(r, c)) << round << ": " << row << ", " << col;
       }
     }
+    // Into a raster of the same blocks, as a copy has them, every cell goes as it is.
+    CMultiScaleFloatMatrix same = raster;
+    AssignMultiScaleFloatMatrix(same, -1.0F);
+    CopyMultiScaleFloatMatrix(same, raster);
+    for (int row = 0; row < rows; ++row)
+      for (int col = 0; col < cols; ++col)
+        ASSERT_EQ(same.At(row, col), raster.At(row, col)) << round << ": " << row << ", " << col;
   }
 }
 

@@ -25,7 +25,7 @@ T **CSmartIOMatrix<T>::MakeTable(CSmartIOHeader const &header) {
   for (std::size_t row = 0; row < rows; ++row)
     table[row] = cells != nullptr ? cells.get() + row * cols : nullptr;
   (void)cells.release();
-  return table;
+  return table;  // NOLINT: the table owns the cells by its first row
 }
 
 template <class T>
@@ -50,10 +50,19 @@ CSmartIOMatrix<T>::~CSmartIOMatrix() {
   Release();
 }
 
+// Leaves an empty matrix with its settings.
+template <class T>
+void CSmartIOMatrix<T>::ReleaseCells() {
+  if (m_ppRows == nullptr) return;
+  if (Rows() > 0) delete[] m_ppRows[0];
+  Header()->m_nHeaderRows = 0;
+  Header()->m_nHeaderCols = 0;
+}
+
 template <class T>
 void CSmartIOMatrix<T>::Release() {
   if (m_ppRows == nullptr) return;
-  if (Rows() > 0) delete[] m_ppRows[0];
+  ReleaseCells();
   ::operator delete(static_cast<void *>(Header()));
   m_ppRows = nullptr;
 }
@@ -64,8 +73,7 @@ void CSmartIOMatrix<T>::Resize(int rows, int cols) {
   CSmartIOHeader header;
   header.m_bHasNoData = HasNoDataValue();
   header.m_fNoData = NoDataValue();
-  Release();
-  m_ppRows = MakeTable(header);  // small: what is left if the cells cannot be had
+  ReleaseCells();  // first, so that two sets of cells never stand side by side
   header.m_nHeaderRows = rows;
   header.m_nHeaderCols = cols;
   T **table = MakeTable(header);

@@ -12,6 +12,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <utility>
 
 #include <quillaven/platform/api.h>
 
@@ -31,6 +32,13 @@ class CSmartIOMatrix {
   /// Deep copies, no-data settings included. A source without a table gives a target without one.
   CSmartIOMatrix(CSmartIOMatrix const &other);
   CSmartIOMatrix &operator=(CSmartIOMatrix const &other);
+  /// Moves hand over the one handle, and leave a matrix without a table behind.
+  CSmartIOMatrix(CSmartIOMatrix &&other) noexcept
+      : m_ppRows(std::exchange(other.m_ppRows, nullptr)) {}
+  CSmartIOMatrix &operator=(CSmartIOMatrix &&other) noexcept {
+    std::swap(m_ppRows, other.m_ppRows);
+    return *this;
+  }
   virtual ~CSmartIOMatrix();
 
   /// Gives the matrix a shape. The same shape as before changes nothing; any other loses the cells
@@ -63,6 +71,7 @@ class CSmartIOMatrix {
     return reinterpret_cast<CSmartIOHeader *>(reinterpret_cast<char *>(m_ppRows) - kHeaderBytes);
   }
   static T **MakeTable(CSmartIOHeader const &header);
+  void ReleaseCells();
   std::size_t CellCount() const;
 };
 
