@@ -29,6 +29,8 @@
 #include <quillaven/platform/api.h>
 #include <quillaven/platform/geometry.h>
 
+class CNodeIndex;
+
 class QUILLAVEN_API CNetwork {
  public:
   /// A place in the plane. 24 bytes, as in the file. Without a link in either list it counts as
@@ -195,7 +197,6 @@ class QUILLAVEN_API CNetwork {
 
  private:
   friend struct CNetworkAccess;
-  class CNodeIndex;
   using CLinkTypeName = std::array<char, 32>;
 
   void InsertInList(std::uint32_t &head, unsigned long link);
@@ -205,9 +206,6 @@ class QUILLAVEN_API CNetwork {
   std::uint32_t LinkBetween(std::uint32_t from, std::uint32_t to) const;
   std::uint32_t FindOrCreateNode(double x, double y, CNodeIndex &index);
   void Connect(std::uint32_t from, std::uint32_t to, std::uint32_t type, std::uint32_t id);
-
-  std::uint32_t Extend(std::uint32_t node, double x, double y, std::uint32_t type, std::uint32_t id,
-                       CNodeIndex &index);
 
   bool ReadSDK(char const *file);
   bool ReadIOS(char const *file);

@@ -25,7 +25,7 @@ std::uint32_t HashOf(double x, double y) {
 
 }  // namespace
 
-CNetwork::CNodeIndex::CNodeIndex(CRecordPool<CNode> const &nodes) : m_nodes(nodes) {
+CNodeIndex::CNodeIndex(CRecordPool<CNetwork::CNode> const &nodes) : m_nodes(nodes) {
   unsigned int bits = kFewestBits;
   while (bits < kHashBits && (nodes.size() >> (bits - 1)) > 0) ++bits;
   m_shift = kHashBits - bits;
@@ -41,22 +41,22 @@ CNetwork::CNodeIndex::CNodeIndex(CRecordPool<CNode> const &nodes) : m_nodes(node
 }
 
 // The slot of the place, or the free one where it belongs.
-CNetwork::CNodeIndex::Slot &CNetwork::CNodeIndex::SlotOf(std::uint32_t hash, double x, double y) {
+CNodeIndex::Slot &CNodeIndex::SlotOf(std::uint32_t hash, double x, double y) {
   std::size_t const mask = m_slots.size() - 1;
   for (std::size_t at = hash >> m_shift;; at = (at + 1) & mask) {
     Slot &slot = m_slots[at];
     if (slot.node == 0) return slot;
     if (slot.hash != hash) continue;
-    CNode const &node = m_nodes[slot.node];
+    CNetwork::CNode const &node = m_nodes[slot.node];
     if (node.x == x && node.y == y) return slot;
   }
 }
 
-std::uint32_t CNetwork::CNodeIndex::Find(double x, double y) {
+std::uint32_t CNodeIndex::Find(double x, double y) {
   return IsPlace(x, y) ? SlotOf(HashOf(x, y), x, y).node : 0;
 }
 
-std::uint32_t CNetwork::CNodeIndex::FindOrAdd(double x, double y) {
+std::uint32_t CNodeIndex::FindOrAdd(double x, double y) {
   auto const next = static_cast<std::uint32_t>(m_nodes.size());
   if (!IsPlace(x, y)) return next;
   if (2 * m_taken >= m_slots.size() && m_shift > 0) Enlarge();
@@ -68,11 +68,11 @@ std::uint32_t CNetwork::CNodeIndex::FindOrAdd(double x, double y) {
   return next;
 }
 
-void CNetwork::CNodeIndex::Expect(double x, double y) const {
+void CNodeIndex::Expect(double x, double y) const {
   Prefetch(&m_slots[HashOf(x, y) >> m_shift]);
 }
 
-void CNetwork::CNodeIndex::Enlarge() {
+void CNodeIndex::Enlarge() {
   std::vector<Slot> const before = std::exchange(m_slots, std::vector<Slot>(2 * m_slots.size()));
   --m_shift;
   std::size_t const mask = m_slots.size() - 1;

@@ -16,11 +16,11 @@
 
 #include <quillaven/network/network.h>
 
-class CNetwork::CNodeIndex {
+class CNodeIndex {
  public:
   /// Takes in the nodes from 1 on. The pool must outlive the index, and grow through FindOrAdd
   /// alone.
-  explicit CNodeIndex(CRecordPool<CNode> const &nodes);
+  explicit CNodeIndex(CRecordPool<CNetwork::CNode> const &nodes);
 
   std::uint32_t Find(double x, double y);
   std::uint32_t FindOrAdd(double x, double y);
@@ -40,7 +40,7 @@ class CNetwork::CNodeIndex {
 
   // A table with open addressing, a power of two in size and at most half full. The high bits of a
   // hash choose the slot, so that a table twice as large is filled in order.
-  CRecordPool<CNode> const &m_nodes;
+  CRecordPool<CNetwork::CNode> const &m_nodes;
   std::vector<Slot> m_slots;
   unsigned int m_shift = 0;  // what is left of a hash when it is shifted so is its slot
   std::size_t m_taken = 0;

@@ -185,27 +185,24 @@ bool CNetwork::ReadAsciiFile(char const *file, unsigned char type) {
     if (!ScanPoint(lines.Next(), x, y)) return Refuse("First coordinate of vector expected");
     // A point is taken in when the line behind it has been read: by then the look for its node need
     // not wait for memory.
-    std::uint32_t node = 0;
+    std::uint32_t previous = 0;
+    auto const takeIn = [&] {
+      std::uint32_t const node = FindOrCreateNode(x, y, index);
+      if (previous != 0) Connect(previous, node, type, id);
+      previous = node;
+    };
     for (line = lines.Next(); !IsClosing(line); line = lines.Next()) {
       double nextX = 0.0;
       double nextY = 0.0;
       bool const isPoint = ScanPoint(line, nextX, nextY);
       index.Expect(nextX, nextY);
-      node = Extend(node, x, y, type, id, index);
+      takeIn();
       if (!isPoint) return Refuse("Subsequent coordinate of vector expected");
       x = nextX;
       y = nextY;
     }
-    Extend(node, x, y, type, id, index);
+    takeIn();
   }
-}
-
-// Leads a polyline from its last node, 0 at its start, on to a place; the node there.
-std::uint32_t CNetwork::Extend(std::uint32_t node, double x, double y, std::uint32_t type,
-                               std::uint32_t id, CNodeIndex &index) {
-  std::uint32_t const next = FindOrCreateNode(x, y, index);
-  if (node != 0) Connect(node, next, type, id);
-  return next;
 }
 
 // Polylines are put together by id and order in the pool alone. The last id starts at 0, the next
