@@ -289,6 +289,7 @@ void Demo(DemoOptions const &options) {
   DefaultResolutionMap(nullptr);
   DefaultFineResolution(1);
 
+  DemoNetwork(data, [&output](std::string const &name) { return output.Add(name); });
   progress.Clear();
   output.Print();
   console.ThrowIfBoxShown();

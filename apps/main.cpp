@@ -8,6 +8,7 @@
 
 #include "apps/commands.h"
 #include "apps/console.h"
+#include "apps/network_options.h"
 
 namespace {
 
@@ -34,9 +35,46 @@ void AddDraw(CLI::App &program, DrawOptions &options) {
 
 void AddInfo(CLI::App &program, std::string &file) {
   CLI::App *command = program.add_subcommand("info", "Tell what a file holds");
-  command->add_option("file", file, "A grid, legend, palette or bitmap")->required();
+  command->add_option("file", file, "A grid, Idrisi pair, map file, legend, palette or bitmap")
+      ->required();
   command->footer("Example: quillaven info landuse.asc");
   command->callback([&file] { Info(file); });
+}
+
+void AddConvert(CLI::App &program, ConvertOptions &options) {
+  CLI::App *command = program.add_subcommand(
+      "convert",
+      "Convert a raster between grids (.asc), Idrisi pairs (.doc, .img) and maps (.qmp)");
+  command->add_option("in", options.in, "The file to read")->required();
+  command->add_option("out", options.out, "The file to write")->required();
+  command->add_option("--type", options.type, "Cells as float, short or byte")
+      ->check(CLI::IsMember({"float", "short", "byte"}))
+      ->capture_default_str();
+  command->add_flag("--as-byte", options.asByte, "Write the Idrisi image of float cells as bytes");
+  command->footer("Example: quillaven convert landuse.asc landuse.doc --type byte");
+  command->callback([&options] { Convert(options); });
+}
+
+void AddColors(CLI::App &program, ColorOptions &options) {
+  CLI::App *group =
+      program.add_subcommand("colors", "Spread colours over the hues, or brighten one");
+  group->require_subcommand(1);
+  CLI::Range const scale(0, 252);
+  CLI::App *spread = group->add_subcommand("spread", "Print so many colours, from red on");
+  spread->add_option("count", options.count, "How many")->required()->check(CLI::Range(1, 100000));
+  spread->add_option("--saturation", options.saturation, "0 to 252")->check(scale);
+  spread->add_option("--lightness", options.lightness, "0 to 252")->check(scale);
+  spread->footer("Example: quillaven colors spread 6 --lightness 100");
+  spread->callback([&options] { SpreadColors(options); });
+  CLI::App *brighten = group->add_subcommand("brighten", "Print a colour made brighter or darker");
+  brighten->add_option("color", options.channels, "Red, green and blue")
+      ->required()
+      ->expected(3)
+      ->check(CLI::Range(0, 255));
+  brighten->add_option("--factor", options.factor, "Above 0.6 brightens, below darkens")
+      ->required();
+  brighten->footer("Example: quillaven colors brighten 200 30 30 --factor 0.8");
+  brighten->callback([&options] { BrightenColor(options); });
 }
 
 void AddDemo(CLI::App &program, DemoOptions &options) {
@@ -46,6 +84,90 @@ void AddDemo(CLI::App &program, DemoOptions &options) {
       ->capture_default_str();
   command->footer("Example: quillaven demo --out pictures");
   command->callback([&options] { Demo(options); });
+}
+
+CLI::App *AddNetworkCommand(CLI::App &group, char const *name, char const *what,
+                            NetworkOptions &options, void (*run)(NetworkOptions const &)) {
+  CLI::App *command = group.add_subcommand(name, what);
+  command->callback([&options, run] { run(options); });
+  return command;
+}
+
+void AddNetwork(CLI::App &program, NetworkOptions &options) {
+  CLI::App *group = program.add_subcommand("network", "Work on transport networks");
+  group->require_subcommand(1);
+  CLI::Range const types(0, 255);
+
+  CLI::App *command =
+      AddNetworkCommand(*group, "import", "Make a network of vector text, one link type at a time",
+                        options, ImportNetwork);
+  command->add_option("files", options.texts, "Vector text to read")->required();
+  command->add_option("--type", options.type, "Type of the links")->required()->check(types);
+  command->add_option("--add-to", options.network, "A network that the links are added to");
+  command->add_option("--out", options.out, "The network file to write")->required();
+  command->footer(
+      "Example: quillaven network import --type 3 rails.txt --add-to roads.bin --out all.bin");
+
+  command = AddNetworkCommand(*group, "export", "Write the links of one type as vector text",
+                              options, ExportNetwork);
+  command->add_option("network", options.network, "The network file to read")->required();
+  command->add_option("--type", options.type, "Type of the links")->required()->check(types);
+  command->add_option("--out", options.out, "The vector text to write")->required();
+  command->footer("Example: quillaven network export all.bin --type 3 --out rails.txt");
+
+  command = AddNetworkCommand(*group, "report", "Tell how a network is used, and one-way links",
+                              options, ReportNetwork);
+  command->add_option("network", options.network, "The network file to read")->required();
+  command->add_option("--out", options.out, "The file to write (default: standard output)");
+  command->footer("Example: quillaven network report all.bin");
+
+  command =
+      AddNetworkCommand(*group, "years", "Replay the years of a network", options, ReplayYears);
+  command->add_option("definitions", options.definitions, "The definitions file")->required();
+  command->add_option("--year", options.year, "One year (default: each year of the file)");
+  command->footer("Example: quillaven network years network-years.txt --year 1995");
+
+  command = AddNetworkCommand(*group, "nearest", "Find the node and link nearest to a position",
+                              options, FindNearest);
+  command->add_option("network", options.network, "The network file to read")->required();
+  command->add_option("x", options.x, "Whole coordinates")->required();
+  command->add_option("y", options.y, "Whole coordinates")->required();
+  command->footer("Example: quillaven network nearest all.bin 540000 5222000");
+
+  command = AddNetworkCommand(*group, "check", "Look for faults in a network file", options,
+                              CheckNetwork);
+  command->add_option("network", options.network, "The network file to look at")->required();
+  command->footer("Example: quillaven network check all.bin");
+}
+
+CLI::App *AddTableCommand(CLI::App &tables, TableOptions &options, char const *name,
+                          char const *what, void (*run)(TableOptions const &)) {
+  CLI::App *command = tables.add_subcommand(name, what);
+  command->add_option("file", options.file, "The file of tables to read")->required();
+  command->add_option("--table", options.table, "Which table of the file, from 1")
+      ->check(CLI::Range(1, 1000000));
+  command->callback([&options, run] { run(options); });
+  return command;
+}
+
+void AddTable(CLI::App &program, TableOptions &options) {
+  CLI::App *tables = program.add_subcommand("table", "Evaluate, draw and convert function tables");
+  tables->require_subcommand(1);
+  CLI::App *eval =
+      AddTableCommand(*tables, options, "eval", "Print the value at each x", TableEval);
+  eval->add_option("x", options.questions, "Where to evaluate")->required();
+  eval->footer("Example: quillaven table eval distance-decay.txt 0.5 2 7.5");
+  CLI::App *plot =
+      AddTableCommand(*tables, options, "plot", "Draw points, curve and axes", TablePlot);
+  plot->add_option("--out", options.out, "The picture to write: .svg, .bmp or .png")->required();
+  plot->footer("Example: quillaven table plot demand.txt --out demand.svg");
+  CLI::App *convert = AddTableCommand(*tables, options, "convert",
+                                      "Write a table in tagged or compact form", TableConvert);
+  convert->add_option("--to", options.form, "tagged or compact")
+      ->required()
+      ->check(CLI::IsMember({"tagged", "compact"}));
+  convert->add_option("--out", options.out, "The file to write")->required();
+  convert->footer("Example: quillaven table convert step.txt --to tagged --out step-tagged.txt");
 }
 
 // Every failure is one line and a status; help and version end well.
@@ -59,13 +181,21 @@ int Fail(std::string const &why, int status) {
 int main(int argc, char **argv) {  // NOLINT: what is thrown while options are set up ends it
   DrawOptions draw;
   DemoOptions demo;
+  ConvertOptions convert;
+  ColorOptions colors;
+  NetworkOptions network;
+  TableOptions table;
   std::string file;
   CLI::App program("Rasters at two scales, legends and pictures", "quillaven");
   program.set_version_flag("--version", QUILLAVEN_VERSION);
   program.require_subcommand(0, 1);  // none is told below, in words of our own
   AddDraw(program, draw);
   AddInfo(program, file);
+  AddConvert(program, convert);
+  AddColors(program, colors);
   AddDemo(program, demo);
+  AddNetwork(program, network);
+  AddTable(program, table);
 
   try {
     program.parse(argc, argv);

@@ -10,11 +10,15 @@
 #include <quillaven/foundation/errors.h>
 #include <quillaven/foundation/numbers.h>
 #include <quillaven/foundation/paths.h>
+#include <quillaven/foundation/textio.h>
+#include <quillaven/functions/spline.h>
 #include <quillaven/legends/bitmap_legend.h>
 #include <quillaven/legends/colors.h>
 #include <quillaven/legends/map_legend.h>
 #include <quillaven/maps/base_map.h>
 #include <quillaven/maps/matrix_base_map.h>
+#include <quillaven/network/network.h>
+#include <quillaven/network/record_pool.h>
 #include <quillaven/platform/api.h>
 #include <quillaven/platform/application.h>
 #include <quillaven/platform/archive.h>

@@ -94,15 +94,110 @@ expect_output "colours   3" info "$source/docs/formats/examples/Palettes/Primary
 expect_output "   12   90  90  95  transport areas" info "$source/data/Legends/Landuse.txt"
 expect_output "    1    0 255   0  high" info "$source/docs/formats/examples/Legends/Version1.txt"
 
+# Conversion: the country goes through every kind of file and comes back byte for byte
+expect_output "992 rows, 500 columns" convert "$grid" country.qmp --type byte
+expect_output "cells     byte" info country.qmp
+expect_output "992 rows, 500 columns" convert "$grid" country.doc
+expect_output "type      real, binary" info country.img
+expect_output "flag      -9999, NODATA" info country.doc
+expect_output "992 rows, 500 columns" convert country.img country-again.qmp
+expect_output "cells     float" info country-again.qmp
+expect_output "992 rows, 500 columns" convert country-again.qmp country-again.asc
+expect_same "cells of the country" "$(tail -n +7 country-again.asc | cksum)" "$(tail -n +7 "$grid" | tr -d '\r' | cksum)"
+expect_line "choose another --type" 1 convert country.qmp a.asc
+expect_line "ends in none of" 1 convert "$grid" a.tif
+expect_line "--type" 2 convert "$grid" a.qmp --type double
+head -c 1000 country.qmp > cut.qmp
+expect_line "is no map file, or ends before its last cell" 1 convert cut.qmp a.asc --type byte
+expect_line "cannot write 'nowhere/a.qmp'" 1 convert "$grid" nowhere/a.qmp
+expect_line "cannot write 'nowhere/a.doc'" 1 convert "$grid" nowhere/a.doc
+rm -f country.img
+expect_line "Cannot open file" 1 convert country.doc a.asc
+
+# Colours
+expect_output "    1  255 255   0" colors spread 6
+expect_output "    0  200  30  30" colors brighten 200 30 30 --factor 0.6
+expect_line "color" 2 colors brighten 200 30 --factor 0.6
+
+# Networks: the four types of a country become one file; its figures are those of its makers
+country=$source/data/liechtenstein
+expect_output "country.bin: 9 nodes, 16 links" network import "$country/net0.txt" --type 0 --out country.bin
+for type in 1 2 3; do
+  expect_output "country.bin: " network import "$country/net$type.txt" --type $type --add-to country.bin \
+    --out country.bin
+done
+expect_output "country.bin: no faults" network check country.bin
+expect_output "Allocated 21501 links, used 21500 links: 258000 bytes used 12 bytes wasted" network report country.bin
+expect_output "306 links unidirectional" network report country.bin
+checks=$((checks + 1))
+"$program" network export country.bin --type 3 --out rails.txt || fail "network export"
+expect_same "railways read and written" "$(cksum < rails.txt)" "$(cksum < "$country/net3.txt")"
+expect_output "from node 630 to 631, id 251, type 2" network nearest country.bin 540000 5222000
+expect_output "2000: 3 nodes, 2 links" network years "$help_dir/network-years.txt"
+expect_output "1997: 2 nodes, 2 links" network years "$help_dir/network-years.txt" --year 1997
+expect_line "ubcommand is required" 2 network
+expect_line "--type" 2 network import rails.txt --type 256 --out a.bin
+expect_line "cannot open 'none.txt': No such file or directory" 1 network import none.txt --type 1 --out a.bin
+expect_line "Id of vector expected" 1 network import "$small" --type 1 --out a.bin
+expect_line "Incorrect header of the binary network file" 1 network report rails.txt
+head -c 5000 country.bin > cut.bin
+expect_line "ends before its last record" 1 network nearest cut.bin 0 0
+checks=$((checks + 1))
+"$program" network check "$source/fuzz/corpus/network_binary/circles" > out.txt 2> err.txt && fail "faults end well"
+expect_same "lines of faults" "$(wc -l < out.txt)" 8
+grep -q "has 8 faults" err.txt || fail "faults are not counted"
+
 # The demo, twice, with the same bytes
 expect_output "all 496000 cells agree" demo --out first
-expect_same "files of the demo" "$(ls first | wc -l)" 6
+expect_same "files of the demo" "$(ls first | wc -l)" 10
 sed 's/first/second/' out.txt > first.txt
 expect_output "11  water                         2448 cells" demo --out second
+expect_same "roads of the network" "$(grep -c "Other roads              21218 links of 4451 polylines" out.txt)" 1
+expect_same "one-way roads" "$(grep -c "306 links are one-way, of 81 polylines" out.txt)" 1
+expect_same "the year 1995, forward and back" "$(grep -c "1995  planned  0, roads 21234, railways 266" out.txt)" 2
 expect_same "what it prints" "$(cat out.txt)" "$(cat first.txt)"
 checks=$((checks + 1))
 diff -r first second || fail "the demo writes other bytes the second time"
 expect_line "cannot make folder" 1 demo --out small.bmp/under-a-file
+
+# Function tables
+tables=$source/data/tables
+expect_output "$(printf '2\t0.3679')" table eval "$tables/distance-decay.txt" 0 2 100
+expect_same "one line for each x" "$(wc -l < out.txt)" 3
+expect_output "$(printf -- '-5\t18.2')" table eval "$tables/demand.txt" -5
+expect_output "$(printf '40\t1')" table eval "$tables/step.txt" 40
+expect_line "is required" 2 table eval "$tables/step.txt"
+expect_line "--to" 2 table convert "$tables/step.txt" --to other --out a.txt
+expect_line "cannot open 'none.txt': No such file or directory" 1 table eval none.txt 1
+expect_line "holds no function table" 1 table eval empty.asc 1
+expect_line "holds no table number 2" 1 table eval "$tables/demand.txt" --table 2 1
+expect_line "ends in none of .svg, .bmp and .png" 1 table plot "$tables/demand.txt" --out plot.gif
+expect_line "cannot write 'nowhere/a.svg': No such file or directory" 1 table plot "$tables/step.txt" \
+  --out nowhere/a.svg
+printf '0\t1\t3\nx\t0\tnan\t1\ny\t0\t0\t0\n' > nan.txt
+expect_line "values that cannot be drawn" 1 table plot nan.txt --out nan.png
+
+checks=$((checks + 1))
+"$program" table convert "$tables/distance-decay.txt" --to tagged --out again.txt || fail "table convert"
+expect_same "the same table" "$(cksum < again.txt)" "$(cksum < "$tables/distance-decay.txt")"
+"$program" table convert "$tables/step.txt" --to compact --out again.txt || fail "table convert"
+expect_same "the same table" "$(cksum < again.txt)" "$(cksum < "$tables/step.txt")"
+cat "$tables/distance-decay.txt" "$tables/demand.txt" > both.txt
+"$program" table convert both.txt --table 2 --to tagged --out again.txt || fail "table convert"
+expect_same "the second table" "$(tail -n +2 again.txt | cksum)" "$(tail -n +2 "$tables/demand.txt" | cksum)"
+
+for kind in svg bmp png; do
+  checks=$((checks + 1))
+  "$program" table plot "$tables/demand.txt" --out plot.$kind || fail "table plot to .$kind"
+done
+expect_same "points in the picture" "$(grep -c '<circle' plot.svg)" 8
+expect_same "curves in the picture" "$(grep -c '<polyline' plot.svg)" 1
+checks=$((checks + 1))
+grep -q '>demand in 1000 dwellings</text>' plot.svg || fail "the label of y is missing"
+grep -q '>2010</text>' plot.svg || fail "the axis of x has no numbers"
+expect_same "size of the bitmap" "$(stat -c %s plot.bmp)" "$((54 + 800 * 3 * 500))"
+expect_same "start of the PNG" "$(head -c 8 plot.png | od -An -tx1 | tr -d ' \n')" "89504e470d0a1a0a"
+expect_output "width     800" info plot.bmp
 
 echo "$checks checks, $failures failures"
 [ "$failures" -eq 0 ]

@@ -1,0 +1,151 @@
+// Networks from the command line: import, export, report, years and the nearest link.
+
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <random>
+#include <set>
+#include <string>
+
+#include <quillaven/network/network.h>
+
+#include "apps/console.h"
+#include "apps/files.h"
+#include "apps/network_options.h"
+
+namespace {
+
+void ReadNetwork(Console const &console, CNetwork &network, std::string const &file) {
+  RequireReadable(file);
+  bool const read = network.Read(file.c_str());
+  console.ThrowIfBoxShown();
+  if (!read) throw Failure("'" + file + "' ends before its last record");
+}
+
+struct Used {
+  unsigned long nodes = 0;
+  unsigned long links = 0;
+};
+
+Used CountUsed(CNetwork &network) {
+  Used used;
+  for (unsigned long i = 1; i < network.NodeCount(); ++i)
+    if (!CNetwork::IsUnused(network.GetNode(i))) ++used.nodes;
+  for (unsigned long i = 1; i < network.LinkCount(); ++i)
+    if (!CNetwork::IsUnused(network.GetLink(i))) ++used.links;
+  return used;
+}
+
+std::string TypeName(CNetwork const &network, unsigned int type) {
+  std::string const name = network.GetLinkTypeName(static_cast<int>(type));
+  return name.empty() ? std::to_string(type) : std::to_string(type) + " (" + name + ")";
+}
+
+// A file of its own for as long as it lives.
+class ScratchFile {
+ public:
+  ScratchFile()
+      : m_path(std::filesystem::temp_directory_path() /
+               ("quillaven-" + std::to_string(std::random_device()()))) {}
+  ~ScratchFile() {
+    std::error_code ignored;
+    std::filesystem::remove(m_path, ignored);
+  }
+  ScratchFile(ScratchFile const &) = delete;
+  ScratchFile &operator=(ScratchFile const &) = delete;
+  std::string Path() const { return m_path.string(); }
+
+ private:
+  std::filesystem::path m_path;
+};
+
+// The years that a definitions file has lines for.
+std::set<int> YearsIn(std::string const &file) {
+  std::ifstream stream(SystemPath(file));
+  std::set<int> years;
+  for (std::string line; std::getline(stream, line);) {
+    std::size_t const tab = line.find('\t');
+    CString keyword = line.substr(0, tab);
+    keyword.MakeLower();
+    if (keyword != "year" || tab == std::string::npos) continue;
+    int year = 0;
+    if (std::sscanf(line.c_str() + tab, "%d", &year) == 1) years.insert(year);
+  }
+  return years;
+}
+
+}  // namespace
+
+void ImportNetwork(NetworkOptions const &options) {
+  Console const console(HelpDirectory(""));
+  CNetwork network;
+  if (!options.network.empty()) ReadNetwork(console, network, options.network);
+  Progress progress(static_cast<int>(options.texts.size()));
+  for (std::string const &file : options.texts) {
+    RequireReadable(file);
+    progress.Step("reading " + file);
+    network.ReadAsciiFile(file.c_str(), static_cast<unsigned char>(options.type));
+    console.ThrowIfBoxShown();
+  }
+  network.Write(options.out.c_str());
+  console.ThrowIfBoxShown();
+  progress.Clear();
+  Used const used = CountUsed(network);
+  std::printf("%s: %lu nodes, %lu links\n", options.out.c_str(), used.nodes, used.links);
+}
+
+void ExportNetwork(NetworkOptions const &options) {
+  Console const console(HelpDirectory(""));
+  CNetwork network;
+  ReadNetwork(console, network, options.network);
+  network.WriteAsciiFile(options.out.c_str(), static_cast<unsigned char>(options.type));
+  console.ThrowIfBoxShown();
+}
+
+void ReportNetwork(NetworkOptions const &options) {
+  Console const console(HelpDirectory(""));
+  CNetwork network;
+  ReadNetwork(console, network, options.network);
+  ScratchFile const scratch;
+  std::string const file = options.out.empty() ? scratch.Path() : options.out;
+  network.Report(file.c_str());
+  console.ThrowIfBoxShown();
+  if (!options.out.empty()) return;
+  std::ifstream report(file);
+  for (std::string line; std::getline(report, line);) std::printf("%s\n", line.c_str());
+}
+
+void ReplayYears(NetworkOptions const &options) {
+  RequireReadable(options.definitions);
+  Console const console(HelpDirectory(""));
+  CNetwork network;
+  std::string const base = std::filesystem::absolute(options.definitions).string();
+  network.LoadTemporalDataDefinition(options.definitions.c_str(), base.c_str());
+  console.ThrowIfBoxShown();
+  std::set<int> const years =
+      options.year ? std::set<int>{*options.year} : YearsIn(options.definitions);
+  for (int const year : years) {
+    bool const loaded = network.LoadTemporalData(year);
+    console.ThrowIfBoxShown();
+    if (!loaded)
+      throw Failure("a network file of the year " + std::to_string(year) + " ends early");
+    Used const used = CountUsed(network);
+    std::printf("%d: %lu nodes, %lu links\n", year, used.nodes, used.links);
+  }
+}
+
+void FindNearest(NetworkOptions const &options) {
+  Console const console(HelpDirectory(""));
+  CNetwork network;
+  ReadNetwork(console, network, options.network);
+  auto const x = static_cast<unsigned long>(options.x);
+  auto const y = static_cast<unsigned long>(options.y);
+  CNetwork::CNode const *const node = network.FindClosestNode(x, y);
+  CNetwork::CLink const *const link = network.FindClosestLink(x, y, 0);
+  if (node == nullptr || link == nullptr) throw Failure("the network has no links");
+  std::printf("node %lu at %.6f %.6f, %d in, %d out\n", network.IndexOf(node), node->x, node->y,
+              network.NodeInDegree(node), network.NodeOutDegree(node));
+  std::printf("link %lu from node %lu to %lu, id %u, type %s\n", network.IndexOf(link),
+              static_cast<unsigned long>(link->from), static_cast<unsigned long>(link->to),
+              static_cast<unsigned int>(link->id), TypeName(network, link->type).c_str());
+}

@@ -1,0 +1,45 @@
+// Any bytes as a map file of each of the three element types.
+
+#include <new>
+
+#include <quillaven/maps/matrix_base_map.h>
+#include <quillaven/platform/archive.h>
+#include <quillaven/raster/raster_operations.h>
+
+#include "fuzz/fuzz_support.h"
+
+namespace {
+
+template <class T>
+void Draw(CMatrixBaseMap<T> &map, std::string const &name) {
+  try {
+    CFile file(name.c_str(), CFile::modeRead);
+    CArchive archive(&file, CArchive::load);
+    map.Serialize(archive);
+  } catch (CArchiveException const &) {
+  } catch (std::bad_alloc const &) {
+  }
+  for (int row = 0; row < map.NRows() && row < 64; ++row)
+    for (int col = 0; col < map.NCols() && col < 64; ++col) map.GetCellColor(row, col);
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const *data, std::size_t size) {
+  static SilentApplication const application;
+  std::string const file = application.Write("a.qmp", data, size);
+  DefaultFineResolution(static_cast<int>(size % 4) + 1);
+  CMultiScaleFloatMatrix floats;
+  CFloatMatrixBaseMap floatMap;
+  floatMap.Attach("a", "a", &floats, nullptr, false);
+  Draw(floatMap, file);
+  CMultiScaleShortMatrix shorts;
+  CShortMatrixBaseMap shortMap;
+  shortMap.Attach("a", "a", &shorts, nullptr);
+  Draw(shortMap, file);
+  CMultiScaleByteMatrix bytes;
+  CByteMatrixBaseMap byteMap;
+  byteMap.Attach("a", "a", &bytes, nullptr);
+  Draw(byteMap, file);
+  return 0;
+}
