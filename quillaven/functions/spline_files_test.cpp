@@ -1,4 +1,5 @@
 #include <cmath>
+#include <cstdio>
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
@@ -10,6 +11,7 @@
 
 #include <gtest/gtest.h>
 
+#include <quillaven/foundation/textio.h>
 #include <quillaven/functions/spline.h>
 #include <quillaven/functions/spline_access_internal.h>
 #include <quillaven/platform/files.h>
@@ -638,6 +640,84 @@ TEST_F(CompactTable, NumberBehindAFailedOneIsRead) {
   Read2(table, "0\t1\t4\nx\t5\t--6\t-\t7\ny\t1\t2\t3\t4\n");
   EXPECT_EQ(PointsOf(table), (Pairs{{5, 1}, {5, 2}, {-6, 3}, {-6, 4}}));
   EXPECT_EQ(Rest(), "");
+}
+
+// The rule as it is told, for a count that is believed: each number is tried, whatever came of the
+// one before it.
+struct NaiveTable {
+  Pairs points;
+  std::string xLabel;
+  std::string yLabel;
+  long long bytes = 0;  // of the two lines
+  std::string rest;
+};
+
+NaiveTable ReadNaively(CStdioFile &file) {
+  NaiveTable table;
+  char line[4096];
+  GetLine(line, 4096, file);
+  float unused = 0;
+  int count = 0;
+  EXPECT_EQ(std::sscanf(line, " %f %f %d", &unused, &unused, &count), 3);
+  long long const begin = file.Seek(0, CFile::current);
+  table.points.resize(static_cast<std::size_t>(count));
+  double last = 0;
+  ReadStr(line, 4096, file, '\t');
+  table.xLabel = line;
+  for (auto &point : table.points) {
+    ReadDbl(last, file);
+    point.first = last;
+  }
+  SkipRestOfLine(file);
+  ReadStr(line, 4096, file, '\t');
+  table.yLabel = line;
+  for (auto &point : table.points) {
+    ReadDbl(last, file);
+    point.second = last;
+  }
+  SkipRestOfLine(file);
+  table.bytes = file.Seek(0, CFile::current) - begin;
+  for (char byte = 0; file.Read(&byte, 1) == 1;) table.rest += byte;
+  return table;
+}
+
+std::string RandomLine(std::mt19937 &random) {
+  static constexpr char kAlphabet[] = "0123456789.-+eEinfax \t\t\t\n\r";
+  std::string line = "label\t";
+  for (std::size_t n = random() % 40; n-- > 0;)
+    line += kAlphabet[random() % (sizeof kAlphabet - 1)];
+  return line + "\n";
+}
+
+TEST_F(CompactTable, DamagedLinesAgreeWithTheRuleOverSeededTexts) {
+  int read = 0;
+  for (unsigned int seed = 1; seed <= 2000; ++seed) {
+    SCOPED_TRACE(seed);
+    std::mt19937 random(seed);
+    int const count = 1 + static_cast<int>(random() % 12);
+    std::string bytes = "0\t1\t" + std::to_string(count) + "\n";
+    for (int line = 0; line < 4; ++line) bytes += RandomLine(random);
+    Open(bytes);
+    NaiveTable const naive = ReadNaively(file);
+    CSpline table;
+    Read2(table, bytes);
+    ASSERT_EQ(Rest(), naive.rest);
+    // Of what fails a byte or two more may have been read than are counted.
+    if (naive.bytes < count) {
+      ASSERT_EQ(table.GetSize(), 0);
+    } else if (table.GetSize() != 0 || naive.bytes > 2 * count) {
+      ++read;
+      ASSERT_STREQ(table.XLabel(), naive.xLabel.c_str());
+      ASSERT_STREQ(table.YLabel(), naive.yLabel.c_str());
+      ASSERT_EQ(table.GetSize(), count);
+      for (int i = 0; i < count; ++i) {
+        auto const &[x, y] = naive.points[static_cast<std::size_t>(i)];
+        ASSERT_TRUE(table.GetXAt(i) == x || (std::isnan(x) && std::isnan(table.GetXAt(i)))) << i;
+        ASSERT_TRUE(table.GetYAt(i) == y || (std::isnan(y) && std::isnan(table.GetYAt(i)))) << i;
+      }
+    }
+  }
+  EXPECT_GT(read, 1900);
 }
 
 TEST_F(CompactTable, ZeroByteIsNoNumber) {

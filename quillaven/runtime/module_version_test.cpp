@@ -179,6 +179,12 @@ TEST_F(ModuleVersion, OfALoadedNameIsNotThatOfAFileInTheWorkingDirectory) {
   EXPECT_EQ(source.paths.at(0), COMPONENT_REGISTERING);
 }
 
+void ExpectFullPath(fs::path const &path, fs::path const &file) {
+  EXPECT_TRUE(path.is_absolute()) << path;
+  EXPECT_EQ(path, path.lexically_normal());
+  EXPECT_TRUE(fs::equivalent(path, file)) << path;
+}
+
 TEST_F(ModuleVersion, OfALibraryLoadedFromTheWorkingDirectoryIsReadByItsFullPathEverAfter) {
   PutUsualValues();
   TemporaryDirectory const directory;
@@ -190,10 +196,10 @@ TEST_F(ModuleVersion, OfALibraryLoadedFromTheWorkingDirectoryIsReadByItsFullPath
     DynamicLibrary const library(name);
     ASSERT_TRUE(library.IsOpen());
     EXPECT_TRUE(version.GetFileVersionInfoA(name.c_str()));
-    EXPECT_EQ(source.paths.back(), path);
+    ExpectFullPath(source.paths.back(), path);
     WorkingDirectory const elsewhere(fs::temp_directory_path().root_path());
     EXPECT_TRUE(version.GetFileVersionInfoA(path.c_str()));
-    EXPECT_EQ(source.paths.back(), path);
+    ExpectFullPath(source.paths.back(), path);
   }
 }
 
