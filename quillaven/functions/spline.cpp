@@ -49,8 +49,11 @@ float OnPair(float x, CSplinePoint const &a, CSplinePoint const &b) {
 
 // The answer of n points for an x between the first and the last: that of the first pair of
 // neighbours that holds x, as FindPair finds it, or the last y where none does. The last point ends
-// every step of the walk, which so has one test for each point.
+// every step of the walk, which so has one test for each point; one whose x is no number or left of
+// x does not, and is no end of a pair either.
 float OnLines(double x, double const *xs, double const *ys, std::size_t n) {
+  auto const lastY = static_cast<float>(ys[n - 1]);
+  while (n > 1 && !(x <= xs[n - 1])) --n;
   for (std::size_t b = 1; b < n; ++b) {
     while (!(x <= xs[b])) ++b;
     double const left = xs[b - 1];
@@ -59,7 +62,7 @@ float OnLines(double x, double const *xs, double const *ys, std::size_t n) {
     if (!(width > 0)) return static_cast<float>((ys[b - 1] + ys[b]) * 0.5);  // a vertical step
     return static_cast<float>((x - left) / width * (ys[b] - ys[b - 1]) + ys[b - 1]);
   }
-  return static_cast<float>(ys[n - 1]);
+  return lastY;
 }
 
 // Room for one more, so that an insertion cannot fail: x and y keep one length.

@@ -549,6 +549,17 @@ TEST_F(CompactTable, OutOfOrderTheFirstPairThatHoldsXAnswers) {
   EXPECT_EQ(table.Evaluate(4), 7);
 }
 
+TEST_F(CompactTable, LastXThatIsNoNumberEndsNoPair) {
+  for (std::string const xs : {"0\t1\tnan", "0\t1\tnan\tnan\tnan"}) {
+    SCOPED_TRACE(xs);
+    CSpline table;
+    Read2(table, std::string("0\t1\t") + (xs.size() < 10 ? "3" : "5") + "\nx\t" + xs +
+                     "\ny\t5\t6\t7\t7\t7\n");
+    EXPECT_EQ(table.Evaluate(0.5F), 5.5F);
+    EXPECT_EQ(table.Evaluate(3), 7);
+  }
+}
+
 // A step is met first at its middle only behind an x that is no number.
 TEST_F(CompactTable, StepAnswersWithItsMiddle) {
   CSpline table;
@@ -566,8 +577,9 @@ TEST_F(CompactTable, TwoPointsAtOneXCannotBeParted) {
 
 // The order of its points is nobody's promise then, but it comes to an end.
 TEST_F(CompactTable, OutOfOrderIsThinnedAllTheSame) {
-  for (char const *xs : {"3\t2\t1\t0\t5", "0\t0\t0\t0\t0", "nan\t1\tnan\t0\tinf",
-                         "5\t-inf\t5\tnan\t5", "0\t9\t1\t8\t2"}) {
+  for (char const *xs :
+       {"3\t2\t1\t0\t5", "0\t0\t0\t0\t0", "nan\t1\tnan\t0\tinf", "5\t-inf\t5\tnan\t5",
+        "0\t9\t1\t8\t2", "0\t1\t2\t3\tnan", "0\tnan\tnan\tnan\tnan"}) {
     SCOPED_TRACE(xs);
     CSpline table;
     Read2(table, std::string("0\t1\t5\nx\t") + xs + "\ny\t1\t1\t2\t2\t2\n");
