@@ -34,6 +34,8 @@ class QUILLAVEN_API CSpline {
   /// Copies are complete: points, texts, limits, and the sampled curve if there is one.
   CSpline(CSpline const &) = default;
   CSpline &operator=(CSpline const &) = default;
+  CSpline(CSpline &&) = default;
+  CSpline &operator=(CSpline &&) = default;
   ~CSpline() = default;
 
   /// Reads a table in tagged form from where an open file stands, and adds its points to those the
