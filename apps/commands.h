@@ -2,7 +2,6 @@
 
 #pragma once
 
-#include <functional>
 #include <string>
 #include <vector>
 
@@ -28,15 +27,32 @@ struct TableOptions {
   std::string form;
 };
 
+struct ConvertOptions {
+  std::string in;
+  std::string out;
+  std::string type = "float";
+  bool asByte = false;
+};
+
+struct ColorOptions {
+  int count = 6;
+  int saturation = 252;
+  int lightness = 126;
+  std::vector<int> channels;
+  double factor = 0.6;
+};
+
 /// Draws a grid through a legend into a bitmap.
 void Draw(DrawOptions const &options);
+/// Writes the raster of a file as a file of another kind.
+void Convert(ConvertOptions const &options);
+/// Prints colours spread over the hues, and a colour made brighter or darker.
+void SpreadColors(ColorOptions const &options);
+void BrightenColor(ColorOptions const &options);
 /// Prints what a file holds.
 void Info(std::string const &file);
-/// Reads, draws, edits and writes back the land use of a country, and shows its network.
+/// Tells the story of a country: land use at two scales, roads, settlements that grow.
 void Demo(DemoOptions const &options);
-/// Its second half: a country's network over three years. `addFile` gives the path of a file by its
-/// name.
-void DemoNetwork(std::string const &data, std::function<std::string(std::string)> const &addFile);
 /// Prints the values of a function table, one a line.
 void TableEval(TableOptions const &options);
 /// Draws a function table with its points and axes.

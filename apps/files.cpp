@@ -4,6 +4,7 @@
 #include <array>
 #include <cctype>
 #include <cerrno>
+#include <cstdio>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -59,6 +60,12 @@ bool GridIsComplete(std::string const &file, long long cells) {
     });
   }
   return words >= cells;
+}
+
+void PrintColors(std::vector<unsigned long> const &colors) {
+  for (std::size_t i = 0; i < colors.size(); ++i)
+    std::printf("%5zu  %3lu %3lu %3lu\n", i, colors[i] & 255, colors[i] >> 8 & 255,
+                colors[i] >> 16 & 255);
 }
 
 std::string HelpDirectory(std::string const &told) {

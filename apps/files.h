@@ -3,6 +3,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 /// Throws a Failure that names the file and the system's reason unless it can be read.
 void RequireReadable(std::string const &file);
@@ -17,6 +18,9 @@ void RequireGrid(std::string const &file);
 /// whose last number ends it without a line feed is as good as any other, and only a count tells it
 /// from one that was cut.
 bool GridIsComplete(std::string const &file, long long cells);
+
+/// Prints colours, one a line: number, red, green, blue.
+void PrintColors(std::vector<unsigned long> const &colors);
 
 /// The folder of Legends and Palettes: the one told, or the program's own.
 std::string HelpDirectory(std::string const &told);

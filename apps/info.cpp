@@ -15,6 +15,7 @@
 #include "apps/commands.h"
 #include "apps/console.h"
 #include "apps/files.h"
+#include "apps/raster_files.h"
 
 namespace {
 
@@ -72,12 +73,6 @@ void PrintGrid(std::string const &file) {
   if (values.counts.size() <= kClassesShown)
     for (auto const &[value, count] : values.counts) std::printf("%9g %lld cells\n", value, count);
   if (!complete) throw Failure("'" + file + "' ends before its last cell");
-}
-
-void PrintColors(std::vector<unsigned long> const &colors) {
-  for (std::size_t i = 0; i < colors.size(); ++i)
-    std::printf("%5zu  %3lu %3lu %3lu\n", i, colors[i] & 255, colors[i] >> 8 & 255,
-                colors[i] >> 16 & 255);
 }
 
 void PrintPalette(std::string const &file) {
@@ -144,6 +139,33 @@ void PrintLegend(std::string const &file) {
   }
 }
 
+// Either file of an Idrisi pair stands for both.
+void PrintIdrisi(std::string const &file) {
+  Console const console(HelpDirectory(""));
+  std::string const document = file.substr(0, file.rfind('.')) + ".doc";
+  CIdrisiImageHeader header;
+  bool const read = header.ReadFile(document.c_str());
+  console.ThrowIfBoxShown();
+  if (!read) throw Failure("'" + document + "' ends before its last line");
+  std::printf("Idrisi image\ntitle     %s\ntype      %s, %s\nrows      %d\ncolumns   %d\n",
+              header.Title(), header.DataType(), header.FileType(), header.Rows(),
+              header.Columns());
+  std::printf("corners   %g %g to %g %g\nvalues    %g to %g\nflag      %s, %s\n", header.MinX(),
+              header.MinY(), header.MaxX(), header.MaxY(), header.MinValue(), header.MaxValue(),
+              header.FlagValue(), header.FlagDefinition());
+  for (int i = 0; i < header.CategoryCount(); ++i)
+    std::printf("%9d %s\n", i, header.CategoryTitle(i));
+}
+
+bool PrintedAsMap(std::string const &file) {
+  std::optional<MapHead> const head = ReadMapHead(file);
+  if (!head) return false;
+  char const *const type = head->cellBytes == 4 ? "float" : head->cellBytes == 2 ? "short" : "byte";
+  std::printf("Map file\nrows      %d\ncolumns   %d\ncells     %s\nclasses   %d\n", head->rows,
+              head->cols, type, head->items);
+  return true;
+}
+
 bool IsText(std::string const &file) {
   std::string const bytes = FirstBytes(file, 512);
   return std::all_of(bytes.begin(), bytes.end(), [](unsigned char c) {
@@ -159,6 +181,8 @@ void Info(std::string const &file) {
   if (start.empty()) throw Failure("'" + file + "' is empty");
   if (IsGrid(file)) return PrintGrid(file);
   if (start == "[IDRISI]") return PrintPalette(file);
+  if (KindOfRaster(file) == RasterKind::kIdrisi) return PrintIdrisi(file);
+  if (PrintedAsMap(file)) return;
   if (start.starts_with("BM")) return PrintBitmap(file);
   if (!IsText(file)) throw Failure("'" + file + "' is of no kind that is known here");
   PrintLegend(file);

@@ -35,9 +35,46 @@ void AddDraw(CLI::App &program, DrawOptions &options) {
 
 void AddInfo(CLI::App &program, std::string &file) {
   CLI::App *command = program.add_subcommand("info", "Tell what a file holds");
-  command->add_option("file", file, "A grid, legend, palette or bitmap")->required();
+  command->add_option("file", file, "A grid, Idrisi pair, map file, legend, palette or bitmap")
+      ->required();
   command->footer("Example: quillaven info landuse.asc");
   command->callback([&file] { Info(file); });
+}
+
+void AddConvert(CLI::App &program, ConvertOptions &options) {
+  CLI::App *command = program.add_subcommand(
+      "convert",
+      "Convert a raster between grids (.asc), Idrisi pairs (.doc, .img) and maps (.qmp)");
+  command->add_option("in", options.in, "The file to read")->required();
+  command->add_option("out", options.out, "The file to write")->required();
+  command->add_option("--type", options.type, "Cells as float, short or byte")
+      ->check(CLI::IsMember({"float", "short", "byte"}))
+      ->capture_default_str();
+  command->add_flag("--as-byte", options.asByte, "Write the Idrisi image of float cells as bytes");
+  command->footer("Example: quillaven convert landuse.asc landuse.doc --type byte");
+  command->callback([&options] { Convert(options); });
+}
+
+void AddColors(CLI::App &program, ColorOptions &options) {
+  CLI::App *group =
+      program.add_subcommand("colors", "Spread colours over the hues, or brighten one");
+  group->require_subcommand(1);
+  CLI::Range const scale(0, 252);
+  CLI::App *spread = group->add_subcommand("spread", "Print so many colours, from red on");
+  spread->add_option("count", options.count, "How many")->required()->check(CLI::Range(1, 100000));
+  spread->add_option("--saturation", options.saturation, "0 to 252")->check(scale);
+  spread->add_option("--lightness", options.lightness, "0 to 252")->check(scale);
+  spread->footer("Example: quillaven colors spread 6 --lightness 100");
+  spread->callback([&options] { SpreadColors(options); });
+  CLI::App *brighten = group->add_subcommand("brighten", "Print a colour made brighter or darker");
+  brighten->add_option("color", options.channels, "Red, green and blue")
+      ->required()
+      ->expected(3)
+      ->check(CLI::Range(0, 255));
+  brighten->add_option("--factor", options.factor, "Above 0.6 brightens, below darkens")
+      ->required();
+  brighten->footer("Example: quillaven colors brighten 200 30 30 --factor 0.8");
+  brighten->callback([&options] { BrightenColor(options); });
 }
 
 void AddDemo(CLI::App &program, DemoOptions &options) {
@@ -144,6 +181,8 @@ int Fail(std::string const &why, int status) {
 int main(int argc, char **argv) {  // NOLINT: what is thrown while options are set up ends it
   DrawOptions draw;
   DemoOptions demo;
+  ConvertOptions convert;
+  ColorOptions colors;
   NetworkOptions network;
   TableOptions table;
   std::string file;
@@ -152,6 +191,8 @@ int main(int argc, char **argv) {  // NOLINT: what is thrown while options are s
   program.require_subcommand(0, 1);  // none is told below, in words of our own
   AddDraw(program, draw);
   AddInfo(program, file);
+  AddConvert(program, convert);
+  AddColors(program, colors);
   AddDemo(program, demo);
   AddNetwork(program, network);
   AddTable(program, table);

@@ -1,8 +1,8 @@
 #include "apps/pixel_files.h"
 
-#include <algorithm>
 #include <cstdint>
-#include <string_view>
+
+#include "apps/png_writer.h"
 
 namespace {
 
@@ -12,49 +12,13 @@ std::string LowFirst(std::uint32_t number, int width) {
   return bytes;
 }
 
-std::string HighFirst(std::uint32_t number) {
-  std::string bytes = LowFirst(number, 4);
-  std::reverse(bytes.begin(), bytes.end());
-  return bytes;
+unsigned int Byte(std::string const &bytes, std::size_t at) {
+  return at < bytes.size() ? static_cast<unsigned char>(bytes[at]) : 0;
 }
 
-std::uint32_t Crc32(std::string_view bytes) {
-  std::uint32_t crc = 0xFFFFFFFFU;
-  for (char const byte : bytes) {
-    crc ^= static_cast<unsigned char>(byte);
-    for (int bit = 0; bit < 8; ++bit) crc = (crc & 1U) != 0 ? crc >> 1 ^ 0xEDB88320U : crc >> 1;
-  }
-  return ~crc;
-}
-
-std::uint32_t Adler32(std::string_view bytes) {
-  constexpr std::uint32_t kBase = 65521;
-  std::uint32_t low = 1;
-  std::uint32_t high = 0;
-  for (char const byte : bytes) {
-    low = (low + static_cast<unsigned char>(byte)) % kBase;
-    high = (high + low) % kBase;
-  }
-  return high << 16 | low;
-}
-
-// A zlib stream of blocks that are stored as they are.
-std::string Stored(std::string_view bytes) {
-  constexpr std::size_t kLongestBlock = 65535;
-  std::string stream = "\x78\x01";
-  for (std::size_t at = 0; at < bytes.size(); at += kLongestBlock) {
-    std::string_view const block = bytes.substr(at, kLongestBlock);
-    auto const length = static_cast<std::uint32_t>(block.size());
-    stream += at + block.size() == bytes.size() ? '\1' : '\0';
-    stream += LowFirst(length, 2) + LowFirst(~length, 2);
-    stream += block;
-  }
-  return stream + HighFirst(Adler32(bytes));
-}
-
-std::string Chunk(std::string const &type, std::string const &content) {
-  std::string const named = type + content;
-  return HighFirst(static_cast<std::uint32_t>(content.size())) + named + HighFirst(Crc32(named));
+std::uint32_t Number(std::string const &bytes, std::size_t at) {
+  return Byte(bytes, at) | Byte(bytes, at + 1) << 8 | Byte(bytes, at + 2) << 16 |
+         Byte(bytes, at + 3) << 24;
 }
 
 }  // namespace
@@ -74,16 +38,28 @@ std::string BmpBytes(PixelPicture const &picture) {
          LowFirst(24, 2) + std::string(24, '\0') + rows;
 }
 
-// Rows from the top, red first, each behind the number of its filter, which is none.
-std::string PngBytes(PixelPicture const &picture) {
-  std::string rows;
-  for (int y = 0; y < picture.height; ++y) {
-    rows += '\0';
-    for (int x = 0; x < picture.width; ++x) rows += HighFirst(picture.At(x, y)).substr(1);
+PixelPicture PictureOfBitmap(std::string const &bytes) {
+  constexpr std::size_t kPalette = 54;
+  auto const width = static_cast<int>(Number(bytes, 18));
+  auto const height = static_cast<int>(Number(bytes, 22));
+  std::size_t const start = Number(bytes, 10);
+  std::size_t const stride = (static_cast<std::size_t>(width) + 3) / 4 * 4;
+  PixelPicture picture(width, height);
+  for (int y = 0; y < height; ++y) {
+    std::size_t const row = start + static_cast<std::size_t>(height - 1 - y) * stride;
+    for (int x = 0; x < width; ++x) {
+      std::size_t const entry =
+          kPalette + std::size_t{4} * Byte(bytes, row + static_cast<std::size_t>(x));
+      picture.At(x, y) = Number(bytes, entry) & 0xFFFFFFU;  // blue lies first: 0xRRGGBB as a number
+    }
   }
-  std::string const shape = HighFirst(static_cast<std::uint32_t>(picture.width)) +
-                            HighFirst(static_cast<std::uint32_t>(picture.height));
-  constexpr char kEightBitColors[] = "\10\2\0\0";  // and a zero byte
-  return "\x89PNG\r\n\x1a\n" + Chunk("IHDR", shape + std::string(kEightBitColors, 5)) +
-         Chunk("IDAT", Stored(rows)) + Chunk("IEND", "");
+  return picture;
+}
+
+std::string PngBytes(PixelPicture const &picture) {
+  std::string pixels;
+  pixels.reserve(picture.colors.size() * 3);
+  for (unsigned int const color : picture.colors)
+    for (int shift : {16, 8, 0}) pixels += static_cast<char>(color >> shift & 0xFFU);
+  return EncodePng(picture.width, picture.height, pixels);
 }

@@ -33,5 +33,7 @@ struct PixelPicture {
 
 /// A Windows bitmap of 24 bits.
 std::string BmpBytes(PixelPicture const &picture);
-/// A PNG of 24 bits, not compressed.
+/// A PNG of 24 bits.
 std::string PngBytes(PixelPicture const &picture);
+/// The picture of a bitmap of 8 bits, as the library writes it.
+PixelPicture PictureOfBitmap(std::string const &bytes);

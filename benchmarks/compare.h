@@ -34,9 +34,10 @@ double SecondsInTurn(Run run) {
 }
 
 // Runs both turn by turn, so that a busy machine slows both. The time reported is that of `work`;
-// "ratio" is work to peer, by the medians of their turns.
+// "ratio" is work to peer, by the medians of their turns, "ns" and "peer_ns" are nanoseconds for each
+// of their steps.
 template <class Work, class Peer>
-void Compare(benchmark::State &state, double steps, Work work, Peer peer) {
+void Compare(benchmark::State &state, double steps, double peerSteps, Work work, Peer peer) {
   std::vector<double> works;
   std::vector<double> peers;
   for (auto _ : state) {
@@ -53,11 +54,19 @@ void Compare(benchmark::State &state, double steps, Work work, Peer peer) {
   double const peerTime = median(peers);
   state.counters["ratio"] = workTime / peerTime;
   state.counters["ns"] = workTime * 1e9 / steps;
-  state.counters["peer_ns"] = peerTime * 1e9 / steps;
+  state.counters["peer_ns"] = peerTime * 1e9 / peerSteps;
 }
 
-// Eleven turns; one with QUILLAVEN_BENCHMARK_ONCE set, to see that everything runs.
-inline void Turns(benchmark::internal::Benchmark *pair) {
+template <class Work, class Peer>
+void Compare(benchmark::State &state, double steps, Work work, Peer peer) {
+  Compare(state, steps, steps, work, peer);
+}
+
+// So many turns; one with QUILLAVEN_BENCHMARK_ONCE set, to see that everything runs.
+inline void TakeTurns(benchmark::internal::Benchmark *pair, int turns) {
   bool const once = std::getenv("QUILLAVEN_BENCHMARK_ONCE") != nullptr;
-  pair->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(once ? 1 : 11);
+  pair->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(once ? 1 : turns);
+}
+inline void Turns(benchmark::internal::Benchmark *pair) {
+  TakeTurns(pair, 11);
 }

@@ -5,7 +5,6 @@
 // nanoseconds for each evaluation or each build.
 
 #include <algorithm>
-#include <chrono>
 #include <cmath>
 #include <cstdint>
 #include <random>
@@ -17,6 +16,8 @@
 #include <quillaven/functions/spline.h>
 #include <quillaven/functions/spline_access_internal.h>
 #include <quillaven/functions/spline_solver_internal.h>
+
+#include "benchmarks/compare.h"
 
 namespace {
 
@@ -44,36 +45,6 @@ std::vector<float> MakeQuestions(CSpline const &table) {
   std::vector<float> questions(kQuestions);
   for (float &x : questions) x = static_cast<float>(any(random));
   return questions;
-}
-
-template <class Work>
-double SecondsOf(Work work) {
-  auto const start = std::chrono::steady_clock::now();
-  work();
-  return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-}
-
-double Median(std::vector<double> times) {
-  auto const middle = times.begin() + static_cast<std::ptrdiff_t>(times.size() / 2);
-  std::nth_element(times.begin(), middle, times.end());
-  return *middle;
-}
-
-// Runs both turn by turn, so that a busy machine slows both, and compares the medians.
-template <class Work, class Peer>
-void Compare(benchmark::State &state, double steps, Work work, Peer peer) {
-  std::vector<double> works;
-  std::vector<double> peers;
-  for (auto _ : state) {
-    peers.push_back(SecondsOf(peer));
-    works.push_back(SecondsOf(work));
-    state.SetIterationTime(works.back());
-  }
-  double const workTime = Median(works);
-  double const peerTime = Median(peers);
-  state.counters["ratio"] = workTime / peerTime;
-  state.counters["ns"] = workTime * 1e9 / steps;
-  state.counters["peer_ns"] = peerTime * 1e9 / steps;
 }
 
 template <class Ask>
@@ -202,10 +173,6 @@ void BM_CurveVersusInversion(benchmark::State &state) {
         Rows rows(band);
         benchmark::DoNotOptimize(InvertRows(rows));
       });
-}
-
-void Turns(benchmark::internal::Benchmark *pair) {
-  pair->UseManualTime()->Unit(benchmark::kMicrosecond)->Iterations(51);
 }
 
 }  // namespace

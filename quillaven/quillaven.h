@@ -10,6 +10,7 @@
 #include <quillaven/foundation/errors.h>
 #include <quillaven/foundation/numbers.h>
 #include <quillaven/foundation/paths.h>
+#include <quillaven/foundation/tempfiles.h>
 #include <quillaven/foundation/textio.h>
 #include <quillaven/functions/spline.h>
 #include <quillaven/legends/bitmap_legend.h>
@@ -24,6 +25,7 @@
 #include <quillaven/platform/archive.h>
 #include <quillaven/platform/exceptions.h>
 #include <quillaven/platform/files.h>
+#include <quillaven/platform/ftp.h>
 #include <quillaven/platform/geometry.h>
 #include <quillaven/platform/modules.h>
 #include <quillaven/platform/strings.h>

@@ -29,6 +29,8 @@
 #include <quillaven/platform/api.h>
 #include <quillaven/platform/geometry.h>
 
+class CNodeIndex;
+
 class QUILLAVEN_API CNetwork {
  public:
   /// A place in the plane. 24 bytes, as in the file. Without a link in either list it counts as
@@ -195,7 +197,6 @@ class QUILLAVEN_API CNetwork {
 
  private:
   friend struct CNetworkAccess;
-  class CNodeIndex;
   using CLinkTypeName = std::array<char, 32>;
 
   void InsertInList(std::uint32_t &head, unsigned long link);

@@ -12,7 +12,6 @@
 #include <quillaven/network/network_node_index_internal.h>
 
 struct CNetworkAccess {
-  using CNodeIndex = CNetwork::CNodeIndex;
   using CLinkTypeName = CNetwork::CLinkTypeName;
 
   static auto &Nodes(CNetwork &network) { return network.nodes; }

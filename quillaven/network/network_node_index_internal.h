@@ -16,25 +16,32 @@
 
 #include <quillaven/network/network.h>
 
-class CNetwork::CNodeIndex {
+class CNodeIndex {
  public:
   /// Takes in the nodes from 1 on. The pool must outlive the index, and grow through FindOrAdd
   /// alone.
-  explicit CNodeIndex(CRecordPool<CNode> const &nodes);
+  explicit CNodeIndex(CRecordPool<CNetwork::CNode> const &nodes);
 
-  std::uint32_t Find(double x, double y) const;
+  std::uint32_t Find(double x, double y);
   std::uint32_t FindOrAdd(double x, double y);
+  /// Says that this place is looked up soon, so that its slot is on its way from memory.
+  void Expect(double x, double y) const;
 
  private:
-  std::size_t SlotOf(std::uint64_t hash, double x, double y) const;
-  void Take(std::uint32_t node);
-  void Rebuild(std::size_t slots);
+  // The upper half of a place's hash and its node, in one line of the cache: a place that is new
+  // costs one look into memory.
+  struct Slot {
+    std::uint32_t hash = 0;
+    std::uint32_t node = 0;  // 0: the slot is free
+  };
 
-  // A table with open addressing, a power of two in size and at most half full. The tags, a byte of
-  // the hash each, stand by themselves: they answer for most places that are new, and stay in the
-  // caches where the indices do not.
-  CRecordPool<CNode> const &m_nodes;
-  std::vector<unsigned char> m_tags;  // 0: the slot is free
-  std::vector<std::uint32_t> m_indices;
+  Slot &SlotOf(std::uint32_t hash, double x, double y);
+  void Enlarge();
+
+  // A table with open addressing, a power of two in size and at most half full. The high bits of a
+  // hash choose the slot, so that a table twice as large is filled in order.
+  CRecordPool<CNetwork::CNode> const &m_nodes;
+  std::vector<Slot> m_slots;
+  unsigned int m_shift = 0;  // what is left of a hash when it is shifted so is its slot
   std::size_t m_taken = 0;
 };

@@ -59,7 +59,7 @@ double dPointToLineSegment(CPoint p, CPoint a, CPoint b) {
   double const s = p.y * dy + p.x * dx;
   double const q = (b.y * dy + b.x * dx - s) * (a.y * dy + a.x * dx - s);
   if (q <= 0) return dPointToLine(p, a, b);
-  return std::min(dPointToPoint(p, a), dPointToPoint(p, b));
+  return std::sqrt(std::min(SquareOf(p, a), SquareOf(p, b)));  // the smaller of both distances
 }
 
 CNetwork::CNode *CNetwork::FindClosestNode(unsigned long x, unsigned long y) {
@@ -81,13 +81,18 @@ CNetwork::CLink *CNetwork::FindClosestLink(unsigned long x, unsigned long y, uns
   std::size_t const count = links.size();
   if (count < 2) return nullptr;
   CPoint const position = Position(x, y);
+  CNode const *const pool = nodes.data();
+  std::size_t const nodeCount = nodes.size();
+  auto const place = [pool, nodeCount](std::uint32_t node) {
+    return node < nodeCount ? WholePlace(pool[node]) : CPoint{};  // nothing lies at the origin
+  };
   CLink *best = nullptr;
   double bestDistance = 0.0;
   auto const look = [&](std::size_t begin, std::size_t end) {
     for (std::size_t i = begin; i < end; ++i) {
       if (IsUnused(&links[i])) continue;
-      double const distance = dPointToLineSegment(position, WholePlace(NodeAt(links[i].from)),
-                                                  WholePlace(NodeAt(links[i].to)));
+      double const distance =
+          dPointToLineSegment(position, place(links[i].from), place(links[i].to));
       if (best != nullptr && !(distance < bestDistance)) continue;
       best = &links[i];
       bestDistance = distance;

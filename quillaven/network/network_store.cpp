@@ -221,8 +221,10 @@ std::uint32_t CNetwork::FindOrCreateNode(double x, double y, CNodeIndex &index) 
 void CNetwork::Connect(std::uint32_t from, std::uint32_t to, std::uint32_t type, std::uint32_t id) {
   std::uint32_t const found = LinkBetween(from, to);
   CLink *const link = found != 0 ? &links[found] : CreateLink();
-  link->type = type & 0xFFU;
+  // The id first: it is a change of the whole word, the type a byte of it. The other way round the
+  // processor waits for that byte to reach memory before it reads the word.
   link->id = id & 0xFFFFFFU;
+  link->type = type & 0xFFU;
   if (found != 0) return;
   link->from = from;
   link->to = to;

@@ -386,7 +386,7 @@ TEST(NetworkNodeIndex, AnswersAsTheWalkDoes) {
     };
     auto const drawY = [&] { return draw() + static_cast<double>(random() % 60); };
     for (int i = 0; i < 30; ++i) create(draw(), drawY());
-    Access::CNodeIndex index(Access::Nodes(network));
+    CNodeIndex index(Access::Nodes(network));
     for (int i = 0; i < 2000; ++i) {
       double const x = draw();
       double const y = drawY();

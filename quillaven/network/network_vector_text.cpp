@@ -183,13 +183,25 @@ bool CNetwork::ReadAsciiFile(char const *file, unsigned char type) {
     double y = 0.0;
     if (!ScanId(line, id)) return Refuse("Id of vector expected");
     if (!ScanPoint(lines.Next(), x, y)) return Refuse("First coordinate of vector expected");
-    std::uint32_t previous = FindOrCreateNode(x, y, index);
-    for (line = lines.Next(); !IsClosing(line); line = lines.Next()) {
-      if (!ScanPoint(line, x, y)) return Refuse("Subsequent coordinate of vector expected");
+    // A point is taken in when the line behind it has been read: by then the look for its node need
+    // not wait for memory.
+    std::uint32_t previous = 0;
+    auto const takeIn = [&] {
       std::uint32_t const node = FindOrCreateNode(x, y, index);
-      Connect(previous, node, type, id);
+      if (previous != 0) Connect(previous, node, type, id);
       previous = node;
+    };
+    for (line = lines.Next(); !IsClosing(line); line = lines.Next()) {
+      double nextX = 0.0;
+      double nextY = 0.0;
+      bool const isPoint = ScanPoint(line, nextX, nextY);
+      index.Expect(nextX, nextY);
+      takeIn();
+      if (!isPoint) return Refuse("Subsequent coordinate of vector expected");
+      x = nextX;
+      y = nextY;
     }
+    takeIn();
   }
 }
 

@@ -13,6 +13,8 @@
 bool GetWorkingDirectory(char *buffer, std::size_t size);
 bool ChangeWorkingDirectory(char const *path);
 bool CreateOneDirectory(char const *path);
+/// Deletes a file; a directory is none.
+bool RemoveFile(char const *path);
 /// Whether something of that name exists, whatever it is.
 bool PathExists(char const *path);
 /// Whether a file of that name exists and can be opened for reading.

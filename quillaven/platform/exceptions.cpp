@@ -6,3 +6,4 @@ CException::~CException() = default;
 CUserException::~CUserException() = default;
 CArchiveException::~CArchiveException() = default;
 CFileException::~CFileException() = default;
+CInternetException::~CInternetException() = default;

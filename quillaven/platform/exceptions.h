@@ -72,3 +72,22 @@ class QUILLAVEN_API CFileException : public CException {
 
   int m_cause;
 };
+
+/// A fault on the way to another machine: the server, the connection or a transfer.
+class QUILLAVEN_API CInternetException : public CException {
+ public:
+  /// The numbers that Windows gives to these faults, on every machine.
+  enum Error {
+    timeout = 12002,
+    extendedError = 12003,  ///< the server answered something that is no success
+    internalError = 12004,
+    nameNotResolved = 12007,
+    loginFailure = 12015,
+    cannotConnect = 12029,
+    connectionAborted = 12030
+  };
+  explicit CInternetException(unsigned int error = internalError) : m_dwError(error) {}
+  ~CInternetException() override;
+
+  unsigned int m_dwError;
+};

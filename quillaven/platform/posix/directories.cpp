@@ -27,6 +27,9 @@ bool ChangeWorkingDirectory(char const *path) {
 bool CreateOneDirectory(char const *path) {
   return ::mkdir(path, 0777) == 0;
 }
+bool RemoveFile(char const *path) {
+  return ::unlink(path) == 0;
+}
 bool PathExists(char const *path) {
   return ::access(path, F_OK) == 0;
 }

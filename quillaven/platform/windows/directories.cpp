@@ -16,6 +16,9 @@ bool ChangeWorkingDirectory(char const *path) {
 bool CreateOneDirectory(char const *path) {
   return ::_mkdir(path) == 0;
 }
+bool RemoveFile(char const *path) {
+  return ::_unlink(path) == 0;
+}
 bool PathExists(char const *path) {
   return ::_access(path, 0) == 0;
 }

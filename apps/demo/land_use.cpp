@@ -1,5 +1,5 @@
-// The demo: the land use of Liechtenstein, read at one scale and at two, edited, drawn and written
-// back. A reader who wants to see the library at work reads Demo() at the end of this file first.
+// The first chapter: the land use of Liechtenstein, read at one scale and at two, edited, drawn and
+// written back. TellLandUse() at the end of this file reads as the story.
 
 #include <algorithm>
 #include <cstdio>
@@ -7,16 +7,11 @@
 #include <string>
 #include <vector>
 
-#include "apps/commands.h"
-#include "apps/console.h"
-#include "apps/files.h"
+#include "apps/demo/story.h"
 
 namespace {
 
-constexpr int kAsciiGrid = 1;   // the format number of OnFileImport and OnFileExport
-constexpr int kBlockWidth = 8;  // cells along a coarse block in the run at two scales
-constexpr int kSteps = 8;
-constexpr unsigned char kNoData = 255;
+constexpr int kAsciiGrid = 1;  // the format number of OnFileImport and OnFileExport
 
 // Classes of the legend "Landuse".
 constexpr int kResidential = 1;
@@ -30,29 +25,6 @@ struct Cell {
   int row = 0;
   int col = 0;
 };
-
-// A land-use class is the number of its legend item, so the map to edit is a byte map, whose cells
-// are item numbers. The grid marks cells without data by -9999, which no byte holds: it is read as
-// shorts, and its no-data cells become 255.
-CMultiScaleByteMatrix ReadClasses(std::string const &grid) {
-  CMultiScaleShortMatrix read;
-  CShortMatrixBaseMap map;
-  map.Attach("Landuse", "Land use", &read, "Landuse.txt");
-  if (map.OnFileImport(grid.c_str(), kAsciiGrid) == 0)
-    throw Failure("cannot read all of '" + grid + "'");
-
-  CMultiScaleByteMatrix classes;
-  classes.SetNoDataValue(true, kNoData);
-  classes.Redim(read.NRows(), read.NCols(), read.W());
-  for (int row = 0; row < read.NRows(); ++row) {
-    for (int col = 0; col < read.NCols(); ++col) {
-      short const value = read.At(row, col);
-      bool const hasData = static_cast<float>(value) != read.NoDataValue();
-      classes.At(row, col) = hasData ? static_cast<unsigned char>(value) : kNoData;
-    }
-  }
-  return classes;
-}
 
 bool IsSettlement(unsigned char value) {
   return value >= kResidential && value <= kPublicFacilities;
@@ -71,13 +43,6 @@ CMultiScaleByteMatrix FineAlongSettlements(CMultiScaleByteMatrix const &classes)
 
 std::string Cells(long long count) {
   return std::to_string(count) + (count == 1 ? " cell" : " cells");
-}
-
-long long CountDifferences(CMultiScaleByteMatrix const &a, CMultiScaleByteMatrix const &b) {
-  long long different = 0;
-  for (int row = 0; row < a.NRows(); ++row)
-    for (int col = 0; col < a.NCols(); ++col) different += a.At(row, col) != b.At(row, col);
-  return different;
 }
 
 // Values that a raster stores: one for each block, and W x W more for each fine block.
@@ -120,44 +85,6 @@ Cell FindCell(CMultiScaleByteMatrix const &raster, int value, Cell start) {
   throw Failure("the grid has no cell of class " + std::to_string(value));
 }
 
-// The pictures and the grid that the demo writes, in order.
-class Output {
- public:
-  explicit Output(std::string const &folder) : m_folder(folder) {
-    std::error_code error;
-    std::filesystem::create_directories(m_folder, error);
-    if (error) throw Failure("cannot make folder '" + folder + "': " + error.message());
-  }
-
-  void Draw(CByteMatrixBaseMap &map, std::string const &name, int zoom, CRect part,
-            std::string const &stamp) {
-    std::string const file = Add(name);
-    if (map.WriteBitmap(file.c_str(), zoom, part, stamp.c_str()) == 0)
-      throw Failure("cannot write '" + file + "'");
-  }
-
-  std::string Add(std::string const &name) {
-    m_files.push_back((m_folder / name).string());
-    return m_files.back();
-  }
-
-  void Print() const {
-    std::printf("\nFiles written:\n");
-    for (std::string const &file : m_files) std::printf("  %s\n", file.c_str());
-  }
-
- private:
-  std::filesystem::path m_folder;
-  std::vector<std::string> m_files;
-};
-
-CRect Whole(CMultiScaleByteMatrix const &raster) {
-  CRect whole;
-  whole.right = raster.NCols() - 1;
-  whole.bottom = raster.NRows() - 1;
-  return whole;
-}
-
 // A square of cells around one, moved where needed so that it lies on the raster.
 CRect Around(CMultiScaleByteMatrix const &raster, Cell cell) {
   constexpr int kSide = 64;
@@ -170,10 +97,6 @@ CRect Around(CMultiScaleByteMatrix const &raster, Cell cell) {
   part.right = std::min(part.left + kSide, raster.NCols()) - 1;
   part.bottom = std::min(part.top + kSide, raster.NRows()) - 1;
   return part;
-}
-
-void Attach(CByteMatrixBaseMap &map, CMultiScaleByteMatrix &raster) {
-  map.Attach("Landuse", "Land use of Liechtenstein", &raster, "Landuse.txt");
 }
 
 void PrintClasses(CByteMatrixBaseMap &map, CMultiScaleByteMatrix const &raster) {
@@ -212,7 +135,7 @@ void FillOne(CByteMatrixBaseMap &map, CMultiScaleByteMatrix &raster, Cell cell, 
 void CompareWithFile(CMultiScaleByteMatrix const &raster, std::string const &file) {
   CMultiScaleByteMatrix again;
   CByteMatrixBaseMap map;
-  Attach(map, again);
+  AttachLandUse(map, again);
   if (map.OnFileImport(file.c_str(), kAsciiGrid) == 0)
     throw Failure("cannot read all of '" + file + "'");
   long long const cells = static_cast<long long>(raster.NRows()) * raster.NCols();
@@ -225,26 +148,23 @@ void CompareWithFile(CMultiScaleByteMatrix const &raster, std::string const &fil
 
 }  // namespace
 
-void Demo(DemoOptions const &options) {
-  std::string const data = HelpDirectory("");
+void TellLandUse(std::string const &data, Output &output, Progress &progress) {
   std::string const grid = data + "/liechtenstein/landuse.asc";
-  RequireGrid(grid);
-  Console const console(data);
-  Output output(options.out);
-  Progress progress(kSteps);
+  output.Chapter(
+      "Land use at one scale and at two",
+      "A raster at two scales has one value for a block of 8 x 8 cells, but for the blocks "
+      "that are refined: here those with a settlement. It is edited like any other map.");
 
   progress.Step("reading the grid at one scale");
   CMultiScaleByteMatrix oneScale = ReadClasses(grid);
   CByteMatrixBaseMap map;
-  Attach(map, oneScale);
-  console.ThrowIfBoxShown();
+  AttachLandUse(map, oneScale);
   progress.Clear();
   std::printf("Land use of Liechtenstein, (c) OpenStreetMap contributors, ODbL 1.0\n\n");
   PrintFigures("At one scale", oneScale);
   PrintClasses(map, oneScale);
-
   progress.Step("drawing it");
-  output.Draw(map, "1-one-scale.bmp", 1, Whole(oneScale), "one scale");
+  output.Draw(map, "1-one-scale", 1, Whole(oneScale), "one scale", "At one scale");
 
   // From here on every raster has blocks of 8 x 8 cells, fine where settlements are.
   progress.Step("reading the grid at two scales");
@@ -252,15 +172,15 @@ void Demo(DemoOptions const &options) {
   DefaultFineResolution(kBlockWidth);
   DefaultResolutionMap(&pattern);
   CMultiScaleByteMatrix raster = ReadClasses(grid);
-  Attach(map, raster);
+  AttachLandUse(map, raster);
   progress.Clear();
   std::printf("\n");
   PrintFigures("At two scales, fine along the settlements", raster);
   std::printf("  %lld cells show another class than at one scale\n",
               CountDifferences(oneScale, raster));
-
   progress.Step("drawing it");
-  output.Draw(map, "2-two-scales.bmp", 1, Whole(raster), "two scales");
+  output.Draw(map, "2-two-scales", 1, Whole(raster), "two scales",
+              "At two scales, fine along the settlements");
 
   progress.Step("painting a cell and a block");
   progress.Clear();
@@ -269,28 +189,23 @@ void Demo(DemoOptions const &options) {
   PaintOne(map, raster, house, kTransport);
   Cell const wood = FindCell(raster, kForest, {house.row, 0});
   PaintOne(map, raster, wood, kArableLand);
-  output.Draw(map, "3-painted-cell.bmp", 8, Around(raster, house), "a cell");
-  output.Draw(map, "4-painted-block.bmp", 8, Around(raster, wood), "a block");
+  output.Draw(map, "3-painted-cell", 8, Around(raster, house), "a cell", "A painted cell");
+  output.Draw(map, "4-painted-block", 8, Around(raster, wood), "a block",
+              "A painted cell in a coarse block: the block changes");
 
   progress.Step("filling an area");
   // A fill walks from cell to cell, so it is at home where blocks are fine: in a settlement.
   progress.Clear();
   FillOne(map, raster, FindCell(raster, kResidential, {house.row + 1, 0}), kUrbanGreen);
-  output.Draw(map, "5-filled-area.bmp", 1, Whole(raster), "filled");
+  output.Draw(map, "5-filled-area", 1, Whole(raster), "filled", "A filled area");
 
   progress.Step("writing the edited grid");
   std::string const edited = output.Add("edited.asc");
   if (map.OnFileExport(edited.c_str(), kAsciiGrid) == 0)
     throw Failure("cannot write '" + edited + "'");
-
   progress.Step("reading it back");
   progress.Clear();
   CompareWithFile(raster, edited);
   DefaultResolutionMap(nullptr);
   DefaultFineResolution(1);
-
-  DemoNetwork(data, [&output](std::string const &name) { return output.Add(name); });
-  progress.Clear();
-  output.Print();
-  console.ThrowIfBoxShown();
 }

@@ -1,5 +1,5 @@
-// The second half of the demo: the roads and railways of Liechtenstein as one network that is saved,
-// reported, changed over three years and asked for its nearest links.
+// The second chapter: the roads and railways of Liechtenstein as one network that is saved, reported,
+// changed over three years and asked for its nearest links.
 
 #include <array>
 #include <cstdio>
@@ -9,8 +9,7 @@
 
 #include <quillaven/network/network.h>
 
-#include "apps/commands.h"
-#include "apps/console.h"
+#include "apps/demo/story.h"
 
 namespace {
 
@@ -110,31 +109,32 @@ void PrintNearest(CNetwork &network, int x, int y) {
 
 }  // namespace
 
-void DemoNetwork(std::string const &data, std::function<std::string(std::string)> const &addFile) {
+std::string TellRoads(std::string const &data, Output &output) {
   std::printf("\nRoads and railways\n");
   CNetwork network = ReadCountry(data);
   PrintTypes(network);
 
-  std::string const file = addFile("network.bin");
+  std::string const file = output.Add("network.bin");
   if (!network.Write(file.c_str())) throw Failure("cannot write '" + file + "'");
   CNetwork loaded;
   if (!loaded.Read(file.c_str())) throw Failure("cannot read all of '" + file + "'");
   PrintOneWay(loaded);
-  std::string const report = addFile("network-report.txt");
+  std::string const report = output.Add("network-report.txt");
   if (!loaded.Report(report.c_str())) throw Failure("cannot write '" + report + "'");
 
   std::printf("\nThree years, forward and back\n");
   PlanYears(network, file);
   // Absolute, as the names of the years' files are made relative to it.
   std::string const definitions =
-      std::filesystem::absolute(addFile("network-years.txt")).lexically_normal().string();
+      std::filesystem::absolute(output.Add("network-years.txt")).lexically_normal().string();
   if (!network.SaveTemporalDataDefinition(definitions.c_str(), definitions.c_str()))
     throw Failure("cannot write '" + definitions + "'");
-  addFile("network-years_1990.bin");  // the save's copy of the year's network
+  output.Add("network-years_1990.bin");  // the save's copy of the year's network
   Replay(definitions);
 
   std::printf("\nNearest links\n");
   PrintNearest(loaded, 540000, 5222000);
   PrintNearest(loaded, 538000, 5214000);
   PrintNearest(loaded, 542500, 5231000);
+  return definitions;
 }

@@ -1,0 +1,62 @@
+#!/usr/bin/python3
+"""A server for the tests, on a free port of the loopback address, until standard input ends.
+
+    ftp_server.py DIRECTORY PORT-FILE LOG-FILE ANONYMOUS
+
+Serves DIRECTORY to anonymous users if ANONYMOUS is "yes", and to nobody otherwise. The port goes to
+PORT-FILE, each command that arrives to LOG-FILE. A file named "breaks-off" is sent for 5000 bytes;
+then the server drops its connections.
+"""
+
+import os
+import sys
+import threading
+
+from pyftpdlib.authorizers import DummyAuthorizer
+from pyftpdlib.handlers import DTPHandler, FTPHandler
+from pyftpdlib.servers import FTPServer
+
+directory, port_file, log_file, anonymous = sys.argv[1:]
+log = open(log_file, "w")
+
+
+class BrokenProducer:
+    def __init__(self, producer, data_channel):
+        self.producer = producer
+        self.data_channel = data_channel
+        self.sent = 0
+
+    def more(self):
+        if self.sent == 0:
+            self.sent = 5000
+            return self.producer.more()[:5000]
+        self.data_channel.cmd_channel.close()
+        return b""
+
+
+class DataChannel(DTPHandler):
+    def push_with_producer(self, producer):
+        if self.file_obj is not None and self.file_obj.name.endswith("breaks-off"):
+            producer = BrokenProducer(producer, self)
+        super().push_with_producer(producer)
+
+
+class ControlChannel(FTPHandler):
+    authorizer = DummyAuthorizer()
+    dtp_handler = DataChannel
+    use_sendfile = False
+    auth_failed_timeout = 0
+
+    def pre_process_command(self, line, cmd, arg):
+        print(line, file=log, flush=True)
+        super().pre_process_command(line, cmd, arg)
+
+
+if anonymous == "yes":
+    ControlChannel.authorizer.add_anonymous(directory)
+server = FTPServer(("127.0.0.1", 0), ControlChannel)
+with open(port_file + ".new", "w") as file:
+    file.write(str(server.address[1]))
+os.rename(port_file + ".new", port_file)
+threading.Thread(target=lambda: (sys.stdin.read(), os._exit(0)), daemon=True).start()
+server.serve_forever()
