@@ -348,6 +348,42 @@ TEST_F(Desktop, AStampWithoutLettersOrOfEndlessLengthIsThatOfTheLibrary) {
   }
 }
 
+// The variable that names the display, taken away for as long as this lives.
+class NoDisplay {
+ public:
+  NoDisplay() : m_name(std::getenv("DISPLAY")) { unsetenv("DISPLAY"); }
+  ~NoDisplay() { setenv("DISPLAY", m_name.c_str(), 1); }
+  NoDisplay(NoDisplay const &) = delete;
+  NoDisplay &operator=(NoDisplay const &) = delete;
+
+ private:
+  std::string m_name;
+};
+
+TEST(DesktopApplication, CancelsAndSaysSoWithoutADisplay) {
+  NoDisplay const none;
+  CDesktopApplication application;
+  EXPECT_FALSE(application.HasDisplay());
+  CSpline table = DistanceTable();
+  testing::internal::CaptureStderr();
+  EXPECT_EQ(CSpline::DoModal(table), 2U);
+  std::string const said = testing::internal::GetCapturedStderr();
+  EXPECT_NE(said.find("There is no display to show a dialog on."), std::string::npos) << said;
+  EXPECT_EQ(said.find("GTK"), std::string::npos) << said;
+  application.BeginWaitCursor();
+  application.EndWaitCursor();
+  EXPECT_EQ(application.MakeStamp("1990").width, CApplication().MakeStamp("1990").width);
+}
+
+TEST(DesktopApplication, FindsADisplayThatComesLater) {
+  CDesktopApplication application;
+  {
+    NoDisplay const none;
+    EXPECT_FALSE(application.HasDisplay());
+  }
+  EXPECT_TRUE(application.HasDisplay());
+}
+
 TEST(DesktopApplication, CanBeMadeAgainAndAgain) {
   for (int i = 0; i < 3; ++i) {
     CDesktopApplication application;

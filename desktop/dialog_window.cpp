@@ -1,5 +1,6 @@
 #include "desktop/dialog_window.h"
 
+#include <algorithm>
 #include <wx/button.h>
 #include <wx/checkbox.h>
 #include <wx/dcbuffer.h>
@@ -93,6 +94,13 @@ class Painter {
   std::vector<wxPoint> m_line;
 };
 
+// The room of a text in a font that is wider than the template's: it grows to the left, away from
+// the edit that it belongs to.
+wxRect RoomFor(wxWindow const &label, wxRect const &place) {
+  int const width = std::max(place.width, label.GetBestSize().x);
+  return {std::max(0, place.x + place.width - width), place.y, width, place.height};
+}
+
 void Draw(wxDC &dc, CDrawing const &drawing, CIcon const *icon) {
   Painter painter(dc, icon);
   for (CDrawOperation const &operation : drawing.Operations()) {
@@ -174,6 +182,7 @@ wxWindow *DialogWindow::MakeControl(CControl const &control) {
       break;
     case Kind::text:
       window = new wxStaticText(m_panel, wxID_ANY, text, at, size, wxST_NO_AUTORESIZE);
+      window->SetSize(RoomFor(*window, place));
       break;
   }
   window->SetName(wxString::Format("%d", id));
@@ -310,7 +319,9 @@ void DialogWindow::ShowControl(CControl const &control, Shown &shown) {
     if (edit->IsEditable() == control.readOnly) edit->SetEditable(!control.readOnly);
   } else if (auto *label = dynamic_cast<wxStaticText *>(window)) {
     wxString const text = ToolkitText(control.text.c_str());
-    if (label->GetLabelText() != text) label->SetLabelText(text);
+    if (label->GetLabelText() == text) return;
+    label->SetLabelText(text);
+    label->SetSize(RoomFor(*label, InPixels(control.place)));
   } else if (auto *box = dynamic_cast<wxCheckBox *>(window)) {
     if (box->GetValue() != control.checked) box->SetValue(control.checked);
   } else if (auto *radio = dynamic_cast<wxRadioButton *>(window)) {

@@ -10,9 +10,24 @@ skip() {
 }
 
 [ "$1" != "--without" ] || skip "$2"
-command -v xvfb-run > /dev/null || skip "xvfb-run is not installed"
-command -v xauth > /dev/null || skip "xauth is not installed"
-screen=(-a -s "-screen 0 1280x1024x24")
-xvfb-run "${screen[@]}" true || skip "no virtual display can be started"
+command -v Xvfb > /dev/null || skip "Xvfb is not installed"
+
+# The server finds a free display by itself, so that any number of these can run at a time.
+work=$(mktemp -d)
+Xvfb -displayfd 3 -screen 0 1280x1024x24 -nolisten tcp 3> "$work/display" > "$work/messages" 2>&1 &
+server=$!
+finish() {
+  kill "$server" 2> /dev/null
+  wait "$server" 2> /dev/null
+  rm -rf "$work"
+}
+trap finish EXIT
+for _ in $(seq 100); do
+  [ ! -s "$work/display" ] || break
+  kill -0 "$server" 2> /dev/null || break
+  sleep 0.1
+done
+[ -s "$work/display" ] || skip "no virtual display can be started: $(tail -n 1 "$work/messages")"
+
 unset WAYLAND_DISPLAY
-exec xvfb-run "${screen[@]}" "$@"
+DISPLAY=:$(tr -d '\n' < "$work/display") "$@"
