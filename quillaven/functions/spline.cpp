@@ -5,8 +5,6 @@
 
 #include <quillaven/functions/spline.h>
 #include <quillaven/functions/spline_solver_internal.h>
-#include <quillaven/platform/application.h>
-#include <quillaven/platform/dialog_internal.h>
 
 namespace {
 
@@ -74,16 +72,6 @@ float AtEnd(float x, double const *xs, double const *ys, std::size_t n) {
 void MakeRoom(std::vector<double> &values) {
   if (values.size() == values.capacity()) values.reserve(2 * values.size() + 1);
 }
-
-// What the application shows; without a screen nobody ever presses its buttons.
-class CSplineDialog : public CDialog {
- public:
-  explicit CSplineDialog(CSpline const &table) : m_Table(table) {}
-  CSpline const &Table() const { return m_Table; }
-
- private:
-  CSpline m_Table;
-};
 
 }  // namespace
 
@@ -182,17 +170,4 @@ float CSpline::Root(int index) {
 
 int CSpline::NRoots() {
   return static_cast<int>(kRoots.size());
-}
-
-unsigned int CSpline::DoModal(CSpline &table) {
-  constexpr unsigned int kOk = 1;
-  constexpr unsigned int kCancel = 2;
-  try {
-    CSplineDialog dialog(table);
-    unsigned int const result = GetApplication().RunModal(dialog);
-    if (result == kOk) table = dialog.Table();
-    return result;
-  } catch (...) {
-    return kCancel;
-  }
 }
