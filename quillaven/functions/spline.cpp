@@ -47,11 +47,8 @@ float OnPair(float x, CSplinePoint const &a, CSplinePoint const &b) {
 
 // The answer of n points for an x between the first and the last: that of the first pair of
 // neighbours that holds x, as FindPair finds it, or the last y where none does. The last point ends
-// every step of the walk, which so has one test for each point; one whose x is no number or left of
-// x does not, and is no end of a pair either.
+// every step of the walk, which so has one test for each point.
 float OnLines(double x, double const *xs, double const *ys, std::size_t n) {
-  auto const lastY = static_cast<float>(ys[n - 1]);
-  while (n > 1 && !(x <= xs[n - 1])) --n;
   for (std::size_t b = 1; b < n; ++b) {
     while (!(x <= xs[b])) ++b;
     double const left = xs[b - 1];
@@ -60,7 +57,15 @@ float OnLines(double x, double const *xs, double const *ys, std::size_t n) {
     if (!(width > 0)) return static_cast<float>((ys[b - 1] + ys[b]) * 0.5);  // a vertical step
     return static_cast<float>((x - left) / width * (ys[b] - ys[b - 1]) + ys[b - 1]);
   }
-  return lastY;
+  return static_cast<float>(ys[n - 1]);
+}
+
+// The answer at and behind the last point, and where the last x is no number: that ends no walk.
+float AtEnd(float x, double const *xs, double const *ys, std::size_t n) {
+  if (!(x >= xs[n - 1]))
+    for (std::size_t b = 1; b < n; ++b)
+      if (xs[b - 1] <= x && x <= xs[b]) return OnPair(x, {xs[b - 1], ys[b - 1]}, {xs[b], ys[b]});
+  return static_cast<float>(ys[n - 1]);
 }
 
 // Room for one more, so that an insertion cannot fail: x and y keep one length.
@@ -116,7 +121,7 @@ float CSpline::Evaluate(float x) {
   double const *xs = m_X.data();
   double const *ys = m_Y.data();
   if (!(x > xs[0])) return static_cast<float>(ys[0]);  // so that NaN counts as left of the table
-  if (x >= xs[n - 1]) return static_cast<float>(ys[n - 1]);
+  if (!(x < xs[n - 1]) && (x >= xs[n - 1] || m_bTableLinear || n == 2)) return AtEnd(x, xs, ys, n);
   // Two points are a straight line whatever the type.
   return m_bTableLinear || n == 2 ? OnLines(x, xs, ys, n) : OnCurve(x);
 }
