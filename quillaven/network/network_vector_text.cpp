@@ -9,8 +9,9 @@
 #include <vector>
 
 #include <quillaven/foundation/errors.h>
+#include <quillaven/foundation/input_file_internal.h>
 #include <quillaven/network/network.h>
-#include <quillaven/network/network_node_index_internal.h>
+#include <quillaven/network/network_index_internal.h>
 #include <quillaven/platform/message_box_internal.h>
 #include <quillaven/platform/number_locale_internal.h>
 #include <quillaven/platform/system_paths.h>
@@ -168,13 +169,13 @@ class LineWriter {
 }  // namespace
 
 bool CNetwork::ReadAsciiFile(char const *file, unsigned char type) {
-  std::ifstream stream(SystemPath(file));
+  std::ifstream stream = OpenInputFile(file);
   if (!stream) {
     NoSuchFile(file);
     return false;
   }
   LineReader lines(stream);
-  CNodeIndex index(nodes);
+  CNetworkIndex index(nodes, links, idListElems);
   for (;;) {
     std::string_view line = lines.Next();
     if (IsClosing(line)) return true;
@@ -188,14 +189,14 @@ bool CNetwork::ReadAsciiFile(char const *file, unsigned char type) {
     std::uint32_t previous = 0;
     auto const takeIn = [&] {
       std::uint32_t const node = FindOrCreateNode(x, y, index);
-      if (previous != 0) Connect(previous, node, type, id);
+      if (previous != 0) Connect(previous, node, type, id, index);
       previous = node;
     };
     for (line = lines.Next(); !IsClosing(line); line = lines.Next()) {
       double nextX = 0.0;
       double nextY = 0.0;
       bool const isPoint = ScanPoint(line, nextX, nextY);
-      index.Expect(nextX, nextY);
+      index.nodes.Expect(nextX, nextY);
       takeIn();
       if (!isPoint) return Refuse("Subsequent coordinate of vector expected");
       x = nextX;

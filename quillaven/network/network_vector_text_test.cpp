@@ -311,6 +311,26 @@ TEST_F(NetworkVectorText, ThatDoesNotOpenIsTold) {
   EXPECT_EQ(application.boxes[0].title, "Error: Cannot open file");
 }
 
+TEST_F(NetworkVectorText, ThatIsADirectoryIsToldLikeOneThatDoesNotOpen) {
+  EXPECT_FALSE(network.ReadAsciiFile(directory.Path().c_str(), 1));
+  ASSERT_EQ(application.boxes.size(), 1U);
+  EXPECT_EQ(application.boxes[0].title, "Error: Cannot open file");
+}
+
+// Far more links at one node than a walk for each could look at in the time of a test.
+TEST_F(NetworkVectorText, OfAHubIsReadAsAnyOther) {
+  constexpr int kRays = 150000;
+  std::string text = "1\n0 0\n";
+  for (int i = 1; i <= kRays; ++i) text += std::to_string(i) + " 1\n0 0\n";
+  ASSERT_TRUE(Read(text + "END\nEND\n"));
+  EXPECT_EQ(network.NodeOutDegree(network.GetNode(1)), kRays);
+  EXPECT_EQ(network.NodeInDegree(network.GetNode(1)), kRays);
+  EXPECT_EQ(network.FindLink(1, kRays + 1), network.GetLink(2 * kRays - 1));
+  ASSERT_TRUE(Read(text + "END\nEND\n", 7));
+  EXPECT_EQ(network.LinkCount(), 2UL * kRays + 1);
+  EXPECT_EQ(network.GetLink(1)->type, 7U);
+}
+
 TEST_F(NetworkVectorText, ThatCannotBeCreatedIsTold) {
   EXPECT_FALSE(network.WriteAsciiFile(directory.Path("missing/out.txt").c_str(), 0));
   ASSERT_EQ(application.boxes.size(), 1U);
