@@ -381,6 +381,16 @@ TEST_F(NetworkYears, WhoseFileCannotBeCopiedEndTheSaving) {
   EXPECT_EQ(Years()[2].fileName, original);
 }
 
+TEST_F(NetworkYears, WhoseFileIsADirectoryCannotBeCopiedEither) {
+  network.SetDataDefYear(1990, directory.Path().c_str());
+  std::string const file = directory.Path("saved.txt");
+  EXPECT_FALSE(network.SaveTemporalDataDefinition(file.c_str(), file.c_str()));
+  ASSERT_EQ(application.boxes.size(), 1U);
+  EXPECT_EQ(application.boxes[0].title, "Binary Network Copy failed");
+  EXPECT_EQ(Years()[0].fileName, directory.Path());
+  EXPECT_EQ(directory.Read("saved.txt"), "");
+}
+
 TEST_F(NetworkYears, ThatCannotBeWrittenAreTold) {
   network.SetDataDefYear(1990, "a.bin");
   std::string const file = directory.Path("missing/saved.txt");
