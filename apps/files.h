@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -18,6 +19,25 @@ void RequireGrid(std::string const &file);
 /// whose last number ends it without a line feed is as good as any other, and only a count tells it
 /// from one that was cut.
 bool GridIsComplete(std::string const &file, long long cells);
+
+/// A file in a folder of its own that no one else may write to; both are gone at the end of its life.
+class ScratchFile {
+ public:
+  ScratchFile();
+  ~ScratchFile();
+  ScratchFile(ScratchFile const &) = delete;
+  ScratchFile &operator=(ScratchFile const &) = delete;
+
+  std::string Path() const { return (m_folder / "file").string(); }
+  /// Throws a Failure if the disk had no room for all that was written to the file.
+  void RequireRoom() const;
+  /// Writes it as another file, of any kind. Throws a Failure with the system's reason if not all of
+  /// it arrives there.
+  void WriteTo(std::string const &file) const;
+
+ private:
+  std::filesystem::path m_folder;
+};
 
 /// Prints colours, one a line: number, red, green, blue.
 void PrintColors(std::vector<unsigned long> const &colors);
