@@ -24,6 +24,12 @@ void Console::ThrowIfBoxShown() const {
   if (!m_firstBox.empty()) throw Failure(m_firstBox);
 }
 
+void Console::WarnIfBoxShown(std::string const &what) {
+  if (!m_firstBox.empty())
+    std::fprintf(stderr, "quillaven: warning: '%s': %s\n", what.c_str(), m_firstBox.c_str());
+  m_firstBox.clear();
+}
+
 std::string OneLine(std::string const &text) {
   std::string line;
   for (char const c : text) {

@@ -29,6 +29,8 @@ class Console : public CApplication {
 
   /// The first box ends the command: thrown as a Failure once the library call is over.
   void ThrowIfBoxShown() const;
+  /// Prints the first box as a warning on what the call worked on, and forgets it.
+  void WarnIfBoxShown(std::string const &what);
 
   int DoMessageBox(char const *text, char const *title, unsigned int type,
                    unsigned int helpId) override;

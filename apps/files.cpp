@@ -9,6 +9,8 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <random>
+#include <system_error>
 
 #include "apps/console.h"
 
@@ -76,6 +78,42 @@ void RequireWrittenGrid(std::string const &file, long long cells) {
   stream.seekg(-1, std::ios::end);
   if (stream.get() != '\n' || !GridIsComplete(file, cells))
     throw Failure("'" + file + "' could not be written whole");
+}
+
+ScratchFile::ScratchFile() {
+  std::random_device random;
+  do {
+    m_folder = std::filesystem::temp_directory_path() /
+               ("quillaven-" + std::to_string(random()) + std::to_string(random()));
+  } while (!std::filesystem::create_directory(m_folder));
+  std::filesystem::permissions(m_folder, std::filesystem::perms::owner_all);
+}
+
+ScratchFile::~ScratchFile() {
+  std::error_code ignored;
+  std::filesystem::remove_all(m_folder, ignored);
+}
+
+// The library does not notice a disk that fills up. One that had no room for all of a file has none
+// for a byte more.
+void ScratchFile::RequireRoom() const {
+  auto const size = std::filesystem::file_size(Path());
+  errno = 0;
+  std::ofstream stream(Path(), std::ios::binary | std::ios::app);
+  stream.put('\0');
+  stream.close();
+  if (!stream) throw Failure("cannot write '" + Path() + "': " + std::strerror(errno));
+  std::filesystem::resize_file(Path(), size);
+}
+
+void ScratchFile::WriteTo(std::string const &file) const {
+  RequireRoom();
+  std::ifstream from(Path(), std::ios::binary);
+  errno = 0;
+  std::ofstream to(SystemPath(file), std::ios::binary);
+  to << from.rdbuf();
+  to.close();
+  if (!to) throw Failure("cannot write '" + file + "': " + std::strerror(errno));
 }
 
 void PrintColors(std::vector<unsigned long> const &colors) {

@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -31,6 +32,25 @@ void RequireCheckableTarget(std::string const &file);
 /// Throws a Failure unless a grid file that was just written has all its cells and the end of its
 /// last line: the library does not look at errors of writing a grid.
 void RequireWrittenGrid(std::string const &file, long long cells);
+
+/// A file in a folder of its own that no one else may write to; both are gone at the end of its life.
+class ScratchFile {
+ public:
+  ScratchFile();
+  ~ScratchFile();
+  ScratchFile(ScratchFile const &) = delete;
+  ScratchFile &operator=(ScratchFile const &) = delete;
+
+  std::string Path() const { return (m_folder / "file").string(); }
+  /// Throws a Failure if the disk had no room for all that was written to the file.
+  void RequireRoom() const;
+  /// Writes it as another file, of any kind. Throws a Failure with the system's reason if not all of
+  /// it arrives there.
+  void WriteTo(std::string const &file) const;
+
+ private:
+  std::filesystem::path m_folder;
+};
 
 /// Prints colours, one a line: number, red, green, blue.
 void PrintColors(std::vector<unsigned long> const &colors);

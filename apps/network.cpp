@@ -3,7 +3,6 @@
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
-#include <random>
 #include <set>
 #include <string>
 
@@ -41,29 +40,21 @@ std::string TypeName(CNetwork const &network, unsigned int type) {
   return name.empty() ? std::to_string(type) : std::to_string(type) + " (" + name + ")";
 }
 
-// A file of its own for as long as it lives.
-class ScratchFile {
- public:
-  ScratchFile()
-      : m_path(std::filesystem::temp_directory_path() /
-               ("quillaven-" + std::to_string(std::random_device()()))) {}
-  ~ScratchFile() {
-    std::error_code ignored;
-    std::filesystem::remove(m_path, ignored);
-  }
-  ScratchFile(ScratchFile const &) = delete;
-  ScratchFile &operator=(ScratchFile const &) = delete;
-  std::string Path() const { return m_path.string(); }
-
- private:
-  std::filesystem::path m_path;
-};
+// What the library writes goes through a scratch file, so that a failure to write it is noticed.
+template <class Write>
+void WriteChecked(Console const &console, std::string const &out, Write write) {
+  ScratchFile const scratch;
+  write(scratch.Path().c_str());
+  console.ThrowIfBoxShown();
+  scratch.WriteTo(out);
+}
 
 // The years that a definitions file has lines for.
 std::set<int> YearsIn(std::string const &file) {
   std::ifstream stream(SystemPath(file));
   std::set<int> years;
-  for (std::string line; std::getline(stream, line);) {
+  // The library, too, does not read a last line without a line break.
+  for (std::string line; std::getline(stream, line) && !stream.eof();) {
     std::size_t const tab = line.find('\t');
     CString keyword = line.substr(0, tab);
     keyword.MakeLower();
@@ -77,18 +68,20 @@ std::set<int> YearsIn(std::string const &file) {
 }  // namespace
 
 void ImportNetwork(NetworkOptions const &options) {
-  Console const console(HelpDirectory(""));
+  Console console(HelpDirectory(""));
   CNetwork network;
   if (!options.network.empty()) ReadNetwork(console, network, options.network);
   Progress progress(static_cast<int>(options.texts.size()));
   for (std::string const &file : options.texts) {
     RequireReadable(file);
     progress.Step("reading " + file);
-    network.ReadAsciiFile(file.c_str(), static_cast<unsigned char>(options.type));
-    console.ThrowIfBoxShown();
+    // A file without a line break behind its end shows a box and is read well.
+    if (!network.ReadAsciiFile(file.c_str(), static_cast<unsigned char>(options.type)))
+      console.ThrowIfBoxShown();
+    progress.Clear();
+    console.WarnIfBoxShown(file);
   }
-  network.Write(options.out.c_str());
-  console.ThrowIfBoxShown();
+  WriteChecked(console, options.out, [&](char const *file) { network.Write(file); });
   progress.Clear();
   Used const used = CountUsed(network);
   std::printf("%s: %lu nodes, %lu links\n", options.out.c_str(), used.nodes, used.links);
@@ -98,20 +91,22 @@ void ExportNetwork(NetworkOptions const &options) {
   Console const console(HelpDirectory(""));
   CNetwork network;
   ReadNetwork(console, network, options.network);
-  network.WriteAsciiFile(options.out.c_str(), static_cast<unsigned char>(options.type));
-  console.ThrowIfBoxShown();
+  WriteChecked(console, options.out, [&](char const *file) {
+    network.WriteAsciiFile(file, static_cast<unsigned char>(options.type));
+  });
 }
 
 void ReportNetwork(NetworkOptions const &options) {
   Console const console(HelpDirectory(""));
   CNetwork network;
   ReadNetwork(console, network, options.network);
+  if (!options.out.empty())
+    return WriteChecked(console, options.out, [&](char const *file) { network.Report(file); });
   ScratchFile const scratch;
-  std::string const file = options.out.empty() ? scratch.Path() : options.out;
-  network.Report(file.c_str());
+  network.Report(scratch.Path().c_str());
   console.ThrowIfBoxShown();
-  if (!options.out.empty()) return;
-  std::ifstream report(file);
+  scratch.RequireRoom();
+  std::ifstream report(scratch.Path());
   for (std::string line; std::getline(report, line);) std::printf("%s\n", line.c_str());
 }
 

@@ -1,10 +1,12 @@
 // Looks for faults in a binary network file: indices beyond the pools, lists that do not end or hold
-// what they should not, links that are not listed at both ends. The library reads such files as they
-// are; the file's own bytes are looked at here, as its format page tells them.
+// what they should not, links that are not listed at both ends, cells that no list leads to, types
+// without a name. The library reads such files as they are; the file's own bytes are looked at here,
+// as its format page tells them.
 
 #include <algorithm>
 #include <cstdint>
 #include <cstdio>
+#include <cstdlib>
 #include <fstream>
 #include <iterator>
 #include <string>
@@ -52,6 +54,10 @@ class Checker {
         CheckList(node, kOutLinks);
       }
       for (std::uint32_t link = 1; link < m_links.count; ++link) CheckLink(link);
+      for (std::uint32_t cell = 1; cell < m_cells.count; ++cell) CheckUnlistedCell(cell);
+      for (std::uint32_t type = 0; type < m_types.count; ++type) CheckTypeName(type);
+      if (m_at < m_bytes.size())
+        Fault(std::to_string(m_bytes.size() - m_at) + " bytes are behind the end");
     }
     return m_faults;
   }
@@ -77,11 +83,7 @@ class Checker {
       Fault("the file does not begin with MI");
       return false;
     }
-    auto const digit = [this](std::size_t at) {
-      char const c = at < m_bytes.size() ? m_bytes[at] : ' ';
-      return c >= '0' && c <= '9' ? c - '0' : -1;
-    };
-    int const version = digit(2) < 0 ? 0 : digit(3) < 0 ? digit(2) : digit(2) * 10 + digit(3);
+    int const version = std::atoi(m_bytes.substr(2, 2).c_str());  // NOLINT: the format's own rule
     return ReadPool("nodes", kNodeWidth, m_nodes) && ReadPool("links", kLinkWidth, m_links) &&
            ReadPool("list cells", kCellWidth, m_cells) &&
            (version < 3 || ReadPool("link types", kTypeWidth, m_types));
@@ -143,6 +145,9 @@ class Checker {
 
   void CheckLink(std::uint32_t link) {
     if (m_links.Field(link, 0) == 0 && m_links.Field(link, 4) == 0) return;  // not in use
+    std::uint32_t const type = m_links.Field(link, 8) >> 24;
+    if (m_types.count > 0 && type >= m_types.count)
+      Fault("link " + std::to_string(link) + ": type " + std::to_string(type) + " has no name");
     for (List const &list : {kOutLinks, kInLinks}) {
       std::uint32_t const node = m_links.Field(link, list.endOffset);
       std::string const where = "link " + std::to_string(link) + ": node " + std::to_string(node);
@@ -152,6 +157,23 @@ class Checker {
         Fault(where + " does not list it among its " + list.name + "-links");
       }
     }
+  }
+
+  // A cell that was taken out of its list is marked, and keeps where it led to.
+  void CheckUnlistedCell(std::uint32_t cell) {
+    if (m_cellSeen[cell]) return;
+    std::string const which = "list cell " + std::to_string(cell);
+    std::uint32_t const link = m_cells.Field(cell, 0);
+    if (link != 0) Fault(which + " is in use but in no list");
+    if (link >= m_links.count)
+      Fault(which + " names link " + std::to_string(link) + ", which is beyond the pool");
+    if (m_cells.Field(cell, 4) >= m_cells.count) Fault(which + " leads beyond the pool");
+  }
+
+  void CheckTypeName(std::uint32_t type) {
+    unsigned char const *const name = m_types.records + type * kTypeWidth;
+    if (std::find(name, name + kTypeWidth, 0) == name + kTypeWidth)
+      Fault("link type " + std::to_string(type) + ": the name has no end");
   }
 
   std::string const &m_bytes;

@@ -257,6 +257,66 @@ checks=$((checks + 1))
 expect_same "lines of faults" "$(wc -l < out.txt)" 8
 grep -q "has 8 faults" err.txt || fail "faults are not counted"
 
+# expect_faults FILE LINE...: these lines and no others, in any order, and a status that is not 0
+expect_faults() {
+  local file=$1
+  shift
+  checks=$((checks + 1))
+  "$program" network check "$file" > out.txt 2> err.txt && fail "$file: faults end well"
+  expect_same "faults of $file" "$(sort out.txt)" "$(printf '%s\n' "$@" | sort)"
+}
+# words NUMBER...: 32-bit numbers, little-endian
+words() {
+  local word
+  for word in "$@"; do
+    printf "$(printf '\\x%02x\\x%02x\\x%02x\\x%02x' $((word & 255)) $((word >> 8 & 255)) $((word >> 16 & 255)) \
+      $((word >> 24 & 255)))"
+  done
+}
+node="0 0 0 0"
+{ printf MI03; words 1 $node 0 0  2 0 0 0  0 0 0  5  0 0  99 1  1 0  0 9  0 2  1; printf '%32s' ""; printf more; } > odd.bin
+expect_faults odd.bin "list cell 1 is in use but in no list" \
+  "list cell 1 names link 99, which is beyond the pool" "list cell 2 is in use but in no list" \
+  "list cell 3 leads beyond the pool" "link type 0: the name has no end" "4 bytes are behind the end"
+{ printf MI03; words 2 $node 0 0 $node 1 2  2 0 0 0  1 1 0x05000007  3 0 0  1 0  1 0  1; head -c 32 /dev/zero; } > type.bin
+expect_faults type.bin "link 1: type 5 has no name"
+{ printf 'MI 3'; words 1 $node 0 0  1 0 0 0  1 0 0; } > blank.bin
+expect_faults blank.bin "the file ends before the count of the link types"
+expect_line "ends before its last record" 1 network report blank.bin
+
+# Through pipes, to devices, and onto disks that are full; nothing is left behind
+mkdir scratch
+export TMPDIR=$work/scratch
+checks=$((checks + 2))
+"$program" network report country.bin > report.txt || fail "network report"
+"$program" network report /dev/stdin < country.bin > out.txt || fail "network report of standard input"
+expect_same "the report of standard input" "$(cat out.txt)" "$(cat report.txt)"
+cat country.bin | "$program" network report /dev/stdin > out.txt || fail "network report of a pipe"
+expect_same "the report of a pipe" "$(cat out.txt)" "$(cat report.txt)"
+checks=$((checks + 1))
+"$program" network export country.bin --type 3 --out /dev/stdout > out.txt || fail "network export to a pipe"
+expect_same "railways to standard output" "$(cksum < out.txt)" "$(cksum < rails.txt)"
+expect_line "cannot write '/dev/full': No space left on device" 1 network import rails.txt --type 3 --out /dev/full
+expect_line "cannot write '/dev/full': No space left on device" 1 network export country.bin --type 3 --out /dev/full
+expect_line "cannot write '/dev/full': No space left on device" 1 network report country.bin --out /dev/full
+expect_line "cannot write 'none/a.bin': No such file or directory" 1 network import rails.txt --type 3 --out none/a.bin
+checks=$((checks + 1))
+(trap '' XFSZ; ulimit -f 8; "$program" network import "$country/net2.txt" --type 2 --out a.bin) > out.txt 2> err.txt &&
+  fail "a network that has no room ends well"
+grep -q "cannot write '.*': File too large" err.txt || fail "no room: $(cat err.txt)"
+expect_same "scratch files left" "$(find scratch -mindepth 1)" ""
+unset TMPDIR
+
+# What the library reads with a box is a warning, and what it does not read is no year
+printf '1\n1 2\n3 4\nEND\nEND' > open.txt
+checks=$((checks + 1))
+"$program" network import open.txt --type 1 --out open.bin > out.txt 2> err.txt || fail "import without a last line break"
+expect_same "what it reads" "$(cat out.txt)" "open.bin: 2 nodes, 1 links"
+expect_same "its warning" "$(cat err.txt)" "quillaven: warning: 'open.txt': ArcInfo vector file: Unexpected end of file"
+printf 'year\t1990\t<none>\nadd\t1\t2\t3\t4\t1\nyear\t1995\t<none>' > open-years.txt
+expect_output "1990: 2 nodes, 1 links" network years open-years.txt
+expect_same "years of a list without a last line break" "$(wc -l < out.txt)" 1
+
 # The demo, twice, with the same bytes
 expect_output "all 496000 cells agree" demo --out first
 expect_same "files of the demo" "$(ls first | wc -l)" 54

@@ -29,7 +29,7 @@
 #include <quillaven/platform/api.h>
 #include <quillaven/platform/geometry.h>
 
-class CNodeIndex;
+struct CNetworkIndex;
 
 class QUILLAVEN_API CNetwork {
  public:
@@ -153,7 +153,8 @@ class QUILLAVEN_API CNetwork {
   /// Adds the polylines of a file: each segment becomes a link of `type` in reading direction with
   /// the polyline's id, each point a node. A link that is there takes the new type and id. What is
   /// wrong in the file is told in a box, titled "ArcInfo vector file", and ends the reading with
-  /// false; what was read until then stays. Cost: linear in the points.
+  /// false; what was read until then stays. Cost: linear in the points, however many of them share
+  /// a node.
   bool ReadAsciiFile(char const *file, unsigned char type);
   /// Writes the links of `type`, those that follow each other with one id as one polyline. Ids 0
   /// and ids that return behind links of other types lose their first point: readers of these
@@ -174,7 +175,8 @@ class QUILLAVEN_API CNetwork {
   /// Brings the network to a year by replaying the list from its start; nothing is done if the year
   /// is loaded. Without a file in the first entry the replay starts on what is there. False if a
   /// network file does not read; no year counts as loaded then.
-  /// Cost: the files and one pass over the nodes each, then linear in the changes.
+  /// Cost: the files and one pass over the nodes each, then linear in the changes, wherever they
+  /// are.
   bool LoadTemporalData(int year);
   /// Whether the network shows the year: the last entry not later than it is loaded.
   bool IsYearLoaded(int year) const;
@@ -192,7 +194,7 @@ class QUILLAVEN_API CNetwork {
   CLink *FindClosestLink(unsigned long x, unsigned long y, unsigned long after);
 
   /// Writes how much of the pools is in use, and the links without one in the other direction.
-  /// False, with a box, if the file cannot be created.
+  /// False, with a box, if the file cannot be created. Cost: one pass over the pools.
   bool Report(char const *file) const;
 
  private:
@@ -204,8 +206,9 @@ class QUILLAVEN_API CNetwork {
   int ListLength(std::uint32_t head) const;
   CNode const &NodeAt(std::uint32_t index) const;
   std::uint32_t LinkBetween(std::uint32_t from, std::uint32_t to) const;
-  std::uint32_t FindOrCreateNode(double x, double y, CNodeIndex &index);
-  void Connect(std::uint32_t from, std::uint32_t to, std::uint32_t type, std::uint32_t id);
+  std::uint32_t FindOrCreateNode(double x, double y, CNetworkIndex &index);
+  CLink *Connect(std::uint32_t from, std::uint32_t to, std::uint32_t type, std::uint32_t id,
+                 CNetworkIndex &index);
 
   bool ReadSDK(char const *file);
   bool ReadIOS(char const *file);
@@ -222,7 +225,7 @@ class QUILLAVEN_API CNetwork {
   int GetTemporalDataIndex(int year) const;
   void CreateYear(int year);
   void AppendDelta(int year, CLink const *link, bool add);
-  void ApplyDelta(CDelta const *delta, CNodeIndex &index);
+  void ApplyDelta(CDelta const *delta, CNetworkIndex &index);
 
   CRecordPool<CNode> nodes;
   CRecordPool<CLink> links;

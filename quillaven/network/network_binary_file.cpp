@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <cstring>
 #include <fstream>
+#include <optional>
 #include <vector>
 
 #include <quillaven/foundation/errors.h>
@@ -32,12 +33,14 @@ class StreamSource {
  public:
   explicit StreamSource(char const *path) : m_stream(path, std::ios::binary) {}
   bool IsOpen() const { return m_stream.is_open(); }
-  std::uint64_t Left() {
+  std::optional<std::uint64_t> Left() {
     std::streamoff const at = m_stream.tellg();
+    if (at < 0) return std::nullopt;  // a pipe has no positions
     m_stream.seekg(0, std::ios::end);
     std::streamoff const end = m_stream.tellg();
     m_stream.seekg(at);
-    return at < 0 || end < at ? 0 : static_cast<std::uint64_t>(end - at);
+    if (end < at) return std::nullopt;
+    return static_cast<std::uint64_t>(end - at);
   }
   std::size_t Read(void *bytes, std::size_t count) {
     m_stream.read(static_cast<char *>(bytes), static_cast<std::streamsize>(count));
@@ -69,34 +72,42 @@ bool ReadCount(Source &source, std::uint32_t &count) {
   return true;
 }
 
-// Reads as many records as the pool holds, as one block. Those that do not arrive are zero.
+// Makes a pool larger, with room to spare, and reads the records that are new as one block. False
+// if not all arrive; the others are zero.
 template <class Source, class Record>
-void ReadRecords(Source &source, CRecordPool<Record> &pool) {
-  std::size_t const size = pool.size() * sizeof(Record);
-  auto *const bytes = reinterpret_cast<unsigned char *>(pool.data());
+bool ReadRecords(Source &source, CRecordPool<Record> &pool, std::size_t count) {
+  std::size_t const first = pool.size();
+  pool.reserve(count + kSpareRecords);
+  pool.resize(count);
+  std::size_t const size = (count - first) * sizeof(Record);
+  auto *const bytes = reinterpret_cast<unsigned char *>(pool.data() + first);
   std::size_t const arrived = source.Read(bytes, size);
   std::fill(bytes + arrived, bytes + size, static_cast<unsigned char>(0));
   if constexpr (std::endian::native != std::endian::little) {
     std::vector<unsigned char> const file(bytes, bytes + size);
-    for (std::size_t i = 0; i < pool.size(); ++i) Decode(&file[i * sizeof(Record)], pool[i]);
+    for (std::size_t i = first; i < count; ++i)
+      Decode(&file[(i - first) * sizeof(Record)], pool[i]);
   }
+  return arrived == size;
 }
 
 // Reads a count and so many records. False, and the pool as it was, if the count itself is cut off;
 // records that are cut off show at the next count.
 //
 // A count is believed as far as the file has records for it, and a thousand records further: a
-// damaged one must not take all memory.
+// damaged one must not take all memory. What comes through a pipe does not tell how much there is:
+// it is read in pieces, each as large as all before it, for as long as they arrive whole.
 template <class Source, class Record>
 bool ReadPool(Source &source, CRecordPool<Record> &pool) {
   std::uint32_t count = 0;
   if (!ReadCount(source, count)) return false;
-  std::uint64_t const there = source.Left() / sizeof(Record) + kSpareRecords;
-  auto const size = static_cast<std::size_t>(std::min<std::uint64_t>(count, there));
+  std::optional<std::uint64_t> const left = source.Left();
+  std::uint64_t const there = left.value_or(0) / sizeof(Record) + kSpareRecords;
   pool.clear();
-  pool.reserve(size + kSpareRecords);
-  pool.resize(size);
-  ReadRecords(source, pool);
+  bool isWhole =
+      ReadRecords(source, pool, static_cast<std::size_t>(std::min<std::uint64_t>(count, there)));
+  while (!left && isWhole && pool.size() < count)
+    isWhole = ReadRecords(source, pool, std::min<std::size_t>(count, 2 * pool.size()));
   return true;
 }
 

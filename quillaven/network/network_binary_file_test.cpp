@@ -15,6 +15,7 @@
 #include <quillaven/network/network_access_internal.h>
 #include <quillaven/network/network_bytes_internal.h>
 
+#include "tests/support/pipe.h"
 #include "tests/support/recording_application.h"
 #include "tests/support/small_network.h"
 #include "tests/support/temporary_directory.h"
@@ -206,7 +207,8 @@ TEST_F(NetworkBinaryFile, HasAVersionAsAtoiReadsIt) {
   struct {
     char const *digits;
     bool hasTypes;
-  } const cases[] = {{"ab", false}, {"0x", false}, {"3x", true}, {"99", true}, {"x3", false}};
+  } const cases[] = {{"ab", false}, {"0x", false}, {"3x", true},  {"99", true}, {"x3", false},
+                     {" 3", true},  {"+3", true},  {"-3", false}, {" +", false}};
   for (auto const &[digits, hasTypes] : cases) {
     SCOPED_TRACE(digits);
     network.Clear(true);
@@ -235,6 +237,9 @@ TEST_F(NetworkBinaryFile, LeavesRoomForAThousandCreations) {
   EXPECT_EQ(Access::Nodes(copy).capacity(), 1003U);
   EXPECT_EQ(Access::Links(copy).capacity(), 1003U);
   EXPECT_EQ(Access::Cells(copy).capacity(), 1005U);
+  CNetwork fresh;
+  ASSERT_TRUE(fresh.Read(directory.Path("in.bin").c_str()));
+  EXPECT_EQ(Access::LinkTypes(fresh).capacity(), 1001U);
 }
 
 TEST_F(NetworkBinaryFile, NameIsKeptAfterASuccessfulReadOnly) {
@@ -362,6 +367,43 @@ TEST_F(NetworkBinaryFile, CountThatTheFileCannotHoldTakesNoMemory) {
         EXPECT_LT(Access::Cells(network).size(), 1100U);
         EXPECT_LT(network.GetLinkTypesCount(), 1100);
       }
+    }
+  }
+  EXPECT_TRUE(application.boxes.empty());
+}
+
+// A pipe does not tell how much will come through it.
+TEST_F(NetworkBinaryFile, ThatComesThroughAPipeIsReadWhole) {
+  CNetwork large;
+  for (int i = 0; i < 6000; ++i) {
+    AddLinkBetween(large, {i, 1}, {i, 2}, 2, static_cast<unsigned int>(i));
+    large.SetLinkTypeName(i, std::to_string(i));
+  }
+  for (CNetwork const &sent : {CNetwork(), MakeSmallNetwork(), large}) {
+    std::string const file = Written(sent);
+    for (bool stream : {false, true}) {
+      SCOPED_TRACE(stream);
+      network.Clear(true);
+      Pipe const pipe(file);
+      ASSERT_TRUE(stream ? Access::ReadIOS(network, pipe.Name().c_str())
+                         : Access::ReadSDK(network, pipe.Name().c_str()));
+      EXPECT_EQ(Written(network), file);
+    }
+  }
+  EXPECT_GE(Access::Nodes(network).capacity(), network.NodeCount() + 1000);
+}
+
+TEST_F(NetworkBinaryFile, ThatEndsWithinAPipeFailsAtTheNextCountAndTakesNoMemory) {
+  std::string const file = Written(MakeRoad());
+  std::string damaged = file;
+  damaged.replace(4, 4, Number(0xFFFFFFFFU));
+  for (bool stream : {false, true}) {
+    for (std::string const &bytes : {file.substr(0, 60), file.substr(0, 100), damaged}) {
+      network.Clear(true);
+      Pipe const pipe(bytes);
+      EXPECT_FALSE(stream ? Access::ReadIOS(network, pipe.Name().c_str())
+                          : Access::ReadSDK(network, pipe.Name().c_str()));
+      EXPECT_LT(network.NodeCount(), 1100U);
     }
   }
   EXPECT_TRUE(application.boxes.empty());

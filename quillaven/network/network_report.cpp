@@ -3,9 +3,11 @@
 #include <fstream>
 #include <locale>
 #include <ostream>
+#include <vector>
 
 #include <quillaven/foundation/errors.h>
 #include <quillaven/network/network.h>
+#include <quillaven/network/network_counterparts_internal.h>
 #include <quillaven/platform/system_paths.h>
 
 namespace {
@@ -50,10 +52,11 @@ bool CNetwork::Report(char const *file) const {
   stream << std::endl;
 
   stream << "Reporting unidirectional links" << std::endl;
+  std::vector<bool> const hasCounterpart = LinksWithCounterpart(nodes, links, idListElems);
   std::size_t count = 0;
   for (std::size_t i = 1; i < links.size(); ++i) {
     CLink const &link = links[i];
-    if (IsUnused(&link) || LinkBetween(link.to, link.from) != 0) continue;
+    if (IsUnused(&link) || hasCounterpart[i]) continue;
     ++count;
     stream << "link " << link.from << " --> " << link.to << " unidirectional" << std::endl;
   }

@@ -136,6 +136,22 @@ TEST_F(NetworkReport, NamesWhatANaiveSetOfPairsNames) {
   }
 }
 
+TEST_F(NetworkReport, OfAHubTakesNoLongerThanOfAnyOther) {
+  unsigned long const hub = NodeOf(network, 0, 0);
+  for (int i = 1; i <= 150000; ++i) {
+    CNetwork::CNode *const ray = network.CreateNode();
+    ray->x = i;
+    unsigned long const index = network.IndexOf(ray);
+    AddLink(network, hub, index);
+    if (i % 50000 != 0) AddLink(network, index, hub);
+  }
+  EXPECT_NE(Report().find("\nlink 1 --> 50001 unidirectional\n"
+                          "link 1 --> 100001 unidirectional\n"
+                          "link 1 --> 150001 unidirectional\n"
+                          "3 links unidirectional\n"),
+            std::string::npos);
+}
+
 TEST_F(NetworkReport, ExampleOfTheFormatPageIsOfTheExampleNetwork) {
   EXPECT_TRUE(StandsInPage("network-report.md", "network-report.txt"));
   ASSERT_TRUE(network.Read(ExampleFile("network.bin").c_str()));

@@ -4,7 +4,8 @@
 
 #include <quillaven/foundation/numbers.h>
 #include <quillaven/network/network.h>
-#include <quillaven/network/network_node_index_internal.h>
+#include <quillaven/network/network_index_internal.h>
+#include <quillaven/network/network_lists_internal.h>
 
 // The pools are written to files as they lie.
 static_assert(sizeof(CNetwork::CNode) == 24 && std::is_trivially_copyable_v<CNetwork::CNode>);
@@ -130,42 +131,28 @@ void CNetwork::InsertInList(std::uint32_t &head, unsigned long link) {
   head = static_cast<std::uint32_t>(IndexOf(cell));
 }
 
-// The walks below end at an index beyond the pool and after as many steps as there are cells: the
-// lists of a damaged file may lead anywhere, and in circles.
-
 void CNetwork::RemoveFromList(std::uint32_t *head, unsigned long link) {
-  std::uint32_t *place = head;
-  for (std::size_t steps = idListElems.size(); steps > 0; --steps) {
-    if (*place == 0 || *place >= idListElems.size()) return;
-    CIdListElem &cell = idListElems[*place];
-    if (cell.link == link) {
-      *place = cell.next;
-      cell.link = 0;  // marks the cell; where it led to stays
-      return;
-    }
-    place = &cell.next;
-  }
+  auto const isOfLink = [link](CIdListElem const &cell) { return cell.link == link; };
+  ListPlace const place = WalkList(idListElems, {0, *head}, idListElems.size(), isOfLink);
+  if (IsCell(idListElems, place.at) && isOfLink(idListElems[place.at]))
+    TakeOutCell(idListElems, *head, place);
 }
 
 int CNetwork::ListLength(std::uint32_t head) const {
   int length = 0;
-  for (std::size_t steps = idListElems.size(); steps > 0; --steps) {
-    if (head == 0 || head >= idListElems.size()) break;
+  WalkList(idListElems, {0, head}, idListElems.size(), [&length](CIdListElem const & /*cell*/) {
     ++length;
-    head = idListElems[head].next;
-  }
+    return false;
+  });
   return length;
 }
 
 std::uint32_t CNetwork::LinkBetween(std::uint32_t from, std::uint32_t to) const {
-  std::uint32_t at = NodeAt(from).outLinks;
-  for (std::size_t steps = idListElems.size(); steps > 0; --steps) {
-    if (at == 0 || at >= idListElems.size()) break;
-    CIdListElem const &cell = idListElems[at];
-    if (cell.link < links.size() && links[cell.link].to == to) return cell.link;
-    at = cell.next;
-  }
-  return 0;
+  auto const leadsThere = [&](CIdListElem const &cell) { return LeadsTo(links, cell, to); };
+  ListPlace const place =
+      WalkList(idListElems, {0, NodeAt(from).outLinks}, idListElems.size(), leadsThere);
+  bool const isThere = IsCell(idListElems, place.at) && leadsThere(idListElems[place.at]);
+  return isThere ? idListElems[place.at].link : 0;
 }
 
 // What is beyond the pool is nothing, as the reserved node is.
@@ -201,15 +188,15 @@ CNetwork::CNode *CNetwork::FindNode(double x, double y) {
 }
 
 CNetwork::CLink *CNetwork::FindLink(unsigned long from, unsigned long to) {
-  if (from >= nodes.size()) return nullptr;
-  std::uint32_t const link =
-      LinkBetween(static_cast<std::uint32_t>(from), static_cast<std::uint32_t>(to));
+  auto const end = static_cast<std::uint32_t>(to);
+  if (from >= nodes.size() || end != to) return nullptr;
+  std::uint32_t const link = LinkBetween(static_cast<std::uint32_t>(from), end);
   return link == 0 ? nullptr : &links[link];
 }
 
 // FindNode's answer through an index that lives for one operation, in which no caller steps in.
-std::uint32_t CNetwork::FindOrCreateNode(double x, double y, CNodeIndex &index) {
-  std::uint32_t const found = index.FindOrAdd(x, y);
+std::uint32_t CNetwork::FindOrCreateNode(double x, double y, CNetworkIndex &index) {
+  std::uint32_t const found = index.nodes.FindOrAdd(x, y);
   if (found < nodes.size()) return found;
   CNode *const node = CreateNode();
   node->x = x;
@@ -218,18 +205,22 @@ std::uint32_t CNetwork::FindOrCreateNode(double x, double y, CNodeIndex &index) 
 }
 
 // There is at most one link from a node to another: one that is there takes the type and the id.
-void CNetwork::Connect(std::uint32_t from, std::uint32_t to, std::uint32_t type, std::uint32_t id) {
-  std::uint32_t const found = LinkBetween(from, to);
+CNetwork::CLink *CNetwork::Connect(std::uint32_t from, std::uint32_t to, std::uint32_t type,
+                                   std::uint32_t id, CNetworkIndex &index) {
+  std::uint32_t const found = index.links.Find(from, to);
   CLink *const link = found != 0 ? &links[found] : CreateLink();
   // The id first: it is a change of the whole word, the type a byte of it. The other way round the
   // processor waits for that byte to reach memory before it reads the word.
   link->id = id & 0xFFFFFFU;
   link->type = type & 0xFFU;
-  if (found != 0) return;
+  if (found != 0) return link;
   link->from = from;
   link->to = to;
   AddOutLink(&nodes[from], link);
+  index.links.Listed(from, CLinkIndex::kOut);
   AddInLink(&nodes[to], link);
+  index.links.Listed(to, CLinkIndex::kIn);
+  return link;
 }
 
 int CNetwork::GetLinkTypesCount() const {

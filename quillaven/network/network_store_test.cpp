@@ -232,6 +232,26 @@ TEST(Network, NothingLeavesAnIndexBeyondThePool) {
   EXPECT_EQ(network.FindLink(std::numeric_limits<unsigned long>::max(), 1), nullptr);
 }
 
+TEST(Network, NothingLeadsToAnIndexBeyondThePoolEvenIfItsLow32BitsAreOne) {
+  CNetwork network = MakeSmallNetwork();
+  ASSERT_NE(network.FindLink(1, 2), nullptr);
+  EXPECT_EQ(network.FindLink(1, 77), nullptr);
+  if constexpr (sizeof(unsigned long) > sizeof(std::uint32_t)) {
+    unsigned long const beyond = std::numeric_limits<std::uint32_t>::max() + 1UL;
+    EXPECT_EQ(network.FindLink(1, beyond + 2), nullptr);
+    EXPECT_EQ(network.FindLink(beyond + 1, 2), nullptr);
+  }
+}
+
+TEST(Network, CellWithoutALinkHidesNoneBehindIt) {
+  CNetwork network = MakeSmallNetwork();
+  network.GetLink(0)->to = 2;  // as in a damaged file, whose reserved link leads somewhere
+  CNetwork::CIdListElem *const cell = network.CreateIdListElem();
+  cell->next = network.GetNode(1)->outLinks;
+  network.GetNode(1)->outLinks = static_cast<std::uint32_t>(network.IndexOf(cell));
+  EXPECT_EQ(network.FindLink(1, 2), network.GetLink(1));
+}
+
 TEST(Network, CutsNamesOfLinkTypesAfter31Characters) {
   CNetwork network;
   network.SetLinkTypeName(0, std::string(40, 'x'));

@@ -10,12 +10,13 @@
 #include <system_error>
 
 #include <quillaven/foundation/errors.h>
+#include <quillaven/foundation/input_file_internal.h>
 #include <quillaven/foundation/line_reader_internal.h>
 #include <quillaven/foundation/numbers.h>
 #include <quillaven/foundation/paths.h>
 #include <quillaven/foundation/rounding_internal.h>
 #include <quillaven/network/network.h>
-#include <quillaven/network/network_node_index_internal.h>
+#include <quillaven/network/network_index_internal.h>
 #include <quillaven/platform/copy_file_internal.h>
 #include <quillaven/platform/message_box_internal.h>
 #include <quillaven/platform/number_locale_internal.h>
@@ -94,7 +95,7 @@ void WriteDelta(std::ostream &stream, CNetwork::CDelta const &delta) {
 
 void CNetwork::LoadTemporalDataDefinition(char const *file, char const *base) {
   temporalData.clear();
-  std::ifstream stream(SystemPath(file));
+  std::ifstream stream = OpenInputFile(file);
   if (!stream) ThrowNoSuchFileException(file);
   // A last line without a line break brings the end of the file with it and is not processed.
   for (std::string line; ReadTextLine(stream, line, kLongestLine) && !stream.eof();) {
@@ -126,7 +127,8 @@ bool CNetwork::ReadDataDefYear(char *rest, char const *base) {
   CTemporalData entry;
   entry.year = LeadingInteger(year);
   entry.fileName = name;
-  if (entry.fileName != kNoFile) entry.fileName = GetFullPath(LibraryPath(base).c_str(), name);
+  if (entry.fileName != kNoFile)
+    entry.fileName = GetFullPath(LibraryPath(base).c_str(), LibraryPath(name).c_str());
   temporalData.push_back(entry);
   return true;
 }
@@ -247,7 +249,7 @@ bool CNetwork::LoadTemporalData(int year) {
   }
   int const last = GetTemporalDataIndex(year);
   if (last == loadedYearIndex) return true;
-  std::optional<CNodeIndex> index;  // of the nodes as they are since the last file
+  std::optional<CNetworkIndex> index;  // of the network as it is since the last file
   for (std::size_t i = 0; i <= static_cast<std::size_t>(last); ++i) {
     CTemporalData const &entry = temporalData[i];
     if (entry.fileName != kNoFile) {
@@ -257,7 +259,7 @@ bool CNetwork::LoadTemporalData(int year) {
         return false;
       }
     }
-    if (!index && !entry.deltas.empty()) index.emplace(nodes);
+    if (!index && !entry.deltas.empty()) index.emplace(nodes, links, idListElems);
     for (CDelta const &delta : entry.deltas) ApplyDelta(&delta, *index);
   }
   loadedYearIndex = last;
@@ -269,20 +271,22 @@ bool CNetwork::IsYearLoaded(int year) const {
 }
 
 // Adding a link that is there gives it the new type and id; deleting one that is not is silent.
-void CNetwork::ApplyDelta(CDelta const *delta, CNodeIndex &index) {
+void CNetwork::ApplyDelta(CDelta const *delta, CNetworkIndex &index) {
   if (delta->add) {
     std::uint32_t const start = FindOrCreateNode(delta->start.x, delta->start.y, index);
     std::uint32_t const end = FindOrCreateNode(delta->end.x, delta->end.y, index);
-    Connect(start, end, delta->link.type, delta->link.id);
+    CLink *const link = Connect(start, end, delta->link.type, delta->link.id, index);
+    // Here a link that is there gets its ends too, which may be others in a damaged file.
+    link->from = start;
+    link->to = end;
     return;
   }
-  std::uint32_t const start = index.Find(delta->start.x, delta->start.y);
-  std::uint32_t const end = index.Find(delta->end.x, delta->end.y);
+  std::uint32_t const start = index.nodes.Find(delta->start.x, delta->start.y);
+  std::uint32_t const end = index.nodes.Find(delta->end.x, delta->end.y);
   if (start == 0 || end == 0) return;
-  std::uint32_t const found = LinkBetween(start, end);
+  std::uint32_t const found = index.links.Find(start, end);
   if (found == 0) return;
-  CLink *const link = &links[found];
-  DelOutLink(&nodes[start], link);
-  DelInLink(&nodes[end], link);
-  SetUnused(link);
+  index.links.TakeOut(start, CLinkIndex::kOut, found);
+  index.links.TakeOut(end, CLinkIndex::kIn, found);
+  SetUnused(&links[found]);
 }

@@ -256,6 +256,34 @@ TEST_F(NetworkYears, OfAFileThatDoesNotOpenAreThrownAndTheListIsEmpty) {
   EXPECT_TRUE(application.boxes.empty());
 }
 
+TEST_F(NetworkYears, OfADirectoryAreThrownToo) {
+  network.SetDataDefYear(1990, "a.bin");
+  EXPECT_THROW(network.LoadTemporalDataDefinition(directory.Path().c_str(), "base.txt"),
+               std::string);
+  EXPECT_TRUE(Years().empty());
+}
+
+// The reader knows the marker as it is written alone: in other letters it is the name of a file.
+TEST_F(NetworkYears, TakeTheMarkerInOtherLettersForAName) {
+  Load("year\t1990\t<NONE>\n");
+  ASSERT_EQ(Years().size(), 1U);
+  EXPECT_EQ(Years()[0].fileName, LibraryPath(directory.Path("<NONE>")));
+  EXPECT_FALSE(network.LoadTemporalData(1990));
+}
+
+TEST_F(NetworkYears, TakeNamesInEitherFormOfTheMachine) {
+  std::string const absolute = WriteNetwork("elsewhere.bin", 8);
+  WriteNetwork("near.bin", 7);
+  Load("year\t1990\t" + absolute + "\nyear\t1995\t" +
+       std::filesystem::path("./near.bin").make_preferred().string() + "\n");
+  EXPECT_EQ(Years()[0].fileName, LibraryPath(absolute));
+  EXPECT_EQ(Years()[1].fileName, LibraryPath(directory.Path("near.bin")));
+  ASSERT_TRUE(network.LoadTemporalData(1990));
+  EXPECT_TRUE(Has({1, 8}, {2, 8}));
+  ASSERT_TRUE(network.LoadTemporalData(1995));
+  EXPECT_TRUE(Has({1, 7}, {2, 7}));
+}
+
 TEST_F(NetworkYears, CutALineBehind4095Characters) {
   Load("year\t1990\t" + std::string(4095 - 10, 'x') + "year\t1995\t<none>\n");
   EXPECT_EQ(YearNumbers(), (std::vector<int>{1990, 1995}));
@@ -353,6 +381,16 @@ TEST_F(NetworkYears, WhoseFileCannotBeCopiedEndTheSaving) {
   EXPECT_EQ(Years()[2].fileName, original);
 }
 
+TEST_F(NetworkYears, WhoseFileIsADirectoryCannotBeCopiedEither) {
+  network.SetDataDefYear(1990, directory.Path().c_str());
+  std::string const file = directory.Path("saved.txt");
+  EXPECT_FALSE(network.SaveTemporalDataDefinition(file.c_str(), file.c_str()));
+  ASSERT_EQ(application.boxes.size(), 1U);
+  EXPECT_EQ(application.boxes[0].title, "Binary Network Copy failed");
+  EXPECT_EQ(Years()[0].fileName, directory.Path());
+  EXPECT_EQ(directory.Read("saved.txt"), "");
+}
+
 TEST_F(NetworkYears, ThatCannotBeWrittenAreTold) {
   network.SetDataDefYear(1990, "a.bin");
   std::string const file = directory.Path("missing/saved.txt");
@@ -365,6 +403,12 @@ TEST_F(NetworkYears, ThatCannotBeWrittenAreTold) {
 TEST_F(NetworkYears, OfAnyCaseOfTheMarkerHaveNoFileToCopy) {
   network.SetDataDefYear(1990, "<NONE>");
   EXPECT_EQ(Saved(), "");
+  network = MakeSmallNetwork();
+  network.SetDataDefYear(1990, "<NONE>");
+  network.DeltaDeleteLink(1990, network.GetLink(1));
+  EXPECT_EQ(Saved(),
+            "year\t1990\t<none>\n"
+            "del\t1.000000\t2.000000\t3.000000\t4.000000\n");
 }
 
 TEST_F(NetworkYears, AreReadBackAsTheyWereSaved) {
@@ -488,6 +532,37 @@ TEST_F(NetworkYears, AddingALinkThatIsThereChangesItsTypeAndIdAlone) {
   EXPECT_EQ(network.GetLink(1)->type, 9U);
   EXPECT_NE(network.GetLink(1)->id, 5U);
   EXPECT_EQ(network.NodeOutDegree(network.GetNode(1)), 1);
+}
+
+// A file may list a link at a node where it does not start: what is added there starts there then.
+TEST_F(NetworkYears, AddingALinkThatIsThereSetsItsEndsWhateverTheyWere) {
+  CNetwork other;
+  AddLinkBetween(other, {1, 7}, {2, 7}, 2, 5);
+  NodeOf(other, 3, 7);
+  other.GetLink(1)->from = 3;
+  ASSERT_TRUE(other.Write(directory.Path("a.bin").c_str()));
+  Load("year\t1990\ta.bin\nadd\t1\t7\t2\t7\t9\n");
+  ASSERT_TRUE(network.LoadTemporalData(1990));
+  EXPECT_EQ(network.LinkCount(), 2U);
+  EXPECT_EQ(network.GetLink(1)->from, 1U);
+  EXPECT_EQ(network.GetLink(1)->to, 2U);
+  EXPECT_EQ(network.GetLink(1)->type, 9U);
+}
+
+// Far more changes at one node than a walk for each could look at in the time of a test.
+TEST_F(NetworkYears, AddAndDeleteThousandsOfLinksAtOneNode) {
+  constexpr int kLinks = 100000;
+  std::string text = "year\t1990\t<none>\n";
+  for (int i = 1; i <= kLinks; ++i) text += "add\t0\t0\t" + std::to_string(i) + "\t1\t2\n";
+  text += "year\t1995\t<none>\n";
+  for (int i = 1; i < kLinks; ++i) text += "del\t0\t0\t" + std::to_string(i) + "\t1\n";
+  Load(text);
+  ASSERT_TRUE(network.LoadTemporalData(1990));
+  EXPECT_EQ(network.NodeOutDegree(network.GetNode(1)), kLinks);
+  network.Clear(false);
+  ASSERT_TRUE(network.LoadTemporalData(1995));
+  EXPECT_EQ(network.NodeOutDegree(network.GetNode(1)), 1);
+  EXPECT_TRUE(Has({0, 0}, {kLinks, 1}));
 }
 
 TEST_F(NetworkYears, AddedLinksAreListedAtBothEnds) {

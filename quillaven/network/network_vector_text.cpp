@@ -5,12 +5,15 @@
 #include <cstdio>
 #include <cstring>
 #include <fstream>
+#include <string>
 #include <string_view>
+#include <system_error>
 #include <vector>
 
 #include <quillaven/foundation/errors.h>
+#include <quillaven/foundation/input_file_internal.h>
 #include <quillaven/network/network.h>
-#include <quillaven/network/network_node_index_internal.h>
+#include <quillaven/network/network_index_internal.h>
 #include <quillaven/platform/message_box_internal.h>
 #include <quillaven/platform/number_locale_internal.h>
 #include <quillaven/platform/system_paths.h>
@@ -126,13 +129,45 @@ bool ScanShortNumber(char const *&at, char const *end, double &value) {
   return true;
 }
 
-// Two numbers as scanf takes them; what is behind them is ignored.
+// A number in decimal digits, however many. The few kinds that are left to the system's scanf are
+// those beyond the doubles, hexadecimal ones, and an exponent that goes wrong.
+bool ScanDecimalNumber(char const *&at, char const *end, double &value) {
+  while (at != end && IsBlank(*at)) ++at;
+  bool const negative = at != end && *at == '-';
+  if (at != end && (*at == '-' || *at == '+')) ++at;
+  if (at == end || (!IsDigit(*at) && *at != '.')) return false;
+  double magnitude = 0.0;
+  auto const [stop, error] = std::from_chars(at, end, magnitude);
+  if (error != std::errc()) return false;
+  if (stop != end && (*stop == 'e' || *stop == 'E' || *stop == 'x' || *stop == 'X')) return false;
+  at = stop;
+  value = negative ? -magnitude : magnitude;
+  return true;
+}
+
+bool ScanAnyNumber(char const *&at, char const *end, double &value) {
+  PointLocale const numbers;
+  int length = 0;
+  if (std::sscanf(std::string(at, end).c_str(), " %lf%n", &value, &length) != 1) return false;
+  at += length;
+  return true;
+}
+
+// A number as scanf takes it: blanks are skipped, and it ends where no more of it can follow.
+bool ScanNumber(char const *&at, char const *end, double &value) {
+  char const *const start = at;
+  if (ScanShortNumber(at, end, value)) return true;
+  at = start;
+  if (ScanDecimalNumber(at, end, value)) return true;
+  at = start;
+  return ScanAnyNumber(at, end, value);
+}
+
+// What is behind the two numbers is ignored.
 bool ScanPoint(std::string_view line, double &x, double &y) {
   char const *at = line.data();
   char const *const end = at + line.size();
-  if (ScanShortNumber(at, end, x) && ScanShortNumber(at, end, y)) return true;
-  PointLocale const numbers;
-  return std::sscanf(std::string(line).c_str(), " %lf %lf", &x, &y) == 2;
+  return ScanNumber(at, end, x) && ScanNumber(at, end, y);
 }
 
 // Writes the lines of a file as printf's "%10lu\n", " %17.6lf %17.6lf\n" and "END\n".
@@ -168,13 +203,13 @@ class LineWriter {
 }  // namespace
 
 bool CNetwork::ReadAsciiFile(char const *file, unsigned char type) {
-  std::ifstream stream(SystemPath(file));
+  std::ifstream stream = OpenInputFile(file);
   if (!stream) {
     NoSuchFile(file);
     return false;
   }
   LineReader lines(stream);
-  CNodeIndex index(nodes);
+  CNetworkIndex index(nodes, links, idListElems);
   for (;;) {
     std::string_view line = lines.Next();
     if (IsClosing(line)) return true;
@@ -188,14 +223,14 @@ bool CNetwork::ReadAsciiFile(char const *file, unsigned char type) {
     std::uint32_t previous = 0;
     auto const takeIn = [&] {
       std::uint32_t const node = FindOrCreateNode(x, y, index);
-      if (previous != 0) Connect(previous, node, type, id);
+      if (previous != 0) Connect(previous, node, type, id, index);
       previous = node;
     };
     for (line = lines.Next(); !IsClosing(line); line = lines.Next()) {
       double nextX = 0.0;
       double nextY = 0.0;
       bool const isPoint = ScanPoint(line, nextX, nextY);
-      index.Expect(nextX, nextY);
+      index.nodes.Expect(nextX, nextY);
       takeIn();
       if (!isPoint) return Refuse("Subsequent coordinate of vector expected");
       x = nextX;

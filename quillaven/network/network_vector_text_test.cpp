@@ -1,7 +1,9 @@
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
+#include <limits>
 #include <random>
 #include <string>
 #include <utility>
@@ -11,6 +13,7 @@
 
 #include <quillaven/network/network.h>
 #include <quillaven/network/network_access_internal.h>
+#include <quillaven/platform/number_locale_internal.h>
 
 #include "tests/support/format_page.h"
 #include "tests/support/recording_application.h"
@@ -183,6 +186,16 @@ TEST_F(NetworkVectorText, TakesCoordinatesAsScanfDoes) {
       {"1 2and more", 1, 2},
       {"1 2 3", 1, 2},
       {"0x10 2", 16, 2},
+      {"546100.123456789012 +5229300.987654321010", 546100.123456789012, 5229300.987654321010},
+      {"1e+05 +.5e1", 100000, 5},
+      {"1e400 -1e400", std::numeric_limits<double>::infinity(),
+       -std::numeric_limits<double>::infinity()},
+      {"1e-400 4.9406564584124654e-324", 0, 4.9406564584124654e-324},
+      {"inf -Infinity", std::numeric_limits<double>::infinity(),
+       -std::numeric_limits<double>::infinity()},
+      {"1.5e3.5 1x2", 1500, 0.5},
+      {"0x1.8p1 0X10", 3, 16},
+      {"1-2-3", 1, -2},
       {"0.1234567890123456789 123456789012345678", 0.1234567890123456789, 123456789012345678.0},
       {"546100.123456 5229300.654321", 546100.123456, 5229300.654321},
       {"-0 000000000000000000001", 0, 1}};
@@ -196,8 +209,60 @@ TEST_F(NetworkVectorText, TakesCoordinatesAsScanfDoes) {
   }
 }
 
+TEST_F(NetworkVectorText, TakesAnyLineForThePointThatScanfTakesItFor) {
+  constexpr char kLetters[] = "0123456789012345678901234567890.......---++eeEExXpinfa  \t";
+  std::mt19937 random(1);
+  CNetwork expected;
+  std::string text;
+  int refused = 0;
+  for (int i = 0; i < 20000; ++i) {
+    std::string line;
+    for (auto n = random() % 28; n > 0; --n) line += kLetters[random() % (sizeof kLetters - 1)];
+    if (random() % 3 == 0) line.insert(random() % (line.size() + 1), 1, '\0');
+    double x = 0;
+    double y = 0;
+    bool isPoint = false;
+    {
+      PointLocale const numbers;
+      isPoint = std::sscanf(line.c_str(), " %lf %lf", &x, &y) == 2;
+    }
+    if (isPoint) {
+      text += "1\n" + line + "\nEND\n";
+      NodeOf(expected, x, y);
+    } else if (++refused <= 200) {
+      SCOPED_TRACE(line);
+      ASSERT_FALSE(Read("1\n" + line + "\nEND\nEND\n"));
+    }
+  }
+  ASSERT_TRUE(Read(text + "END\n"));
+  ASSERT_EQ(network.NodeCount(), expected.NodeCount());
+  EXPECT_GT(network.NodeCount(), 2000U);
+  auto const isSame = [](double a, double b) {
+    return (a == b && std::signbit(a) == std::signbit(b)) || (std::isnan(a) && std::isnan(b));
+  };
+  for (unsigned long i = 1; i < network.NodeCount(); ++i) {
+    ASSERT_PRED2(isSame, network.GetNode(i)->x, expected.GetNode(i)->x);
+    ASSERT_PRED2(isSame, network.GetNode(i)->y, expected.GetNode(i)->y);
+  }
+}
+
+// A place that is not a number is no node's place, so each such point is a node of its own.
+TEST_F(NetworkVectorText, MakesANodeOfEachPointThatIsNoNumber) {
+  ASSERT_TRUE(Read("1\nnan 1\nnan 1\ninf 1\ninf 1\nEND\nEND\n"));
+  EXPECT_EQ(network.NodeCount(), 4U);
+  EXPECT_EQ(network.LinkCount(), 4U);
+}
+
+TEST_F(NetworkVectorText, EndsALineOfANumberAtItsNul) {
+  EXPECT_TRUE(Read(std::string("1\0x\n1 2\0 3\nEND\0\nEND\n", 23)));
+  EXPECT_NE(network.FindNode(1, 2), nullptr);
+  EXPECT_FALSE(Read(std::string("1\n1\0 2\nEND\nEND\n", 16)));
+  EXPECT_EQ(Told(), Texts{"First coordinate of vector expected"});
+}
+
 TEST_F(NetworkVectorText, RefusesALineWithoutTwoNumbersForAPoint) {
-  for (char const *line : {"", "1", "1 ", "1 x", "x 1", "1,2", ". 1", "- 1", "END"}) {
+  for (char const *line :
+       {"", "1", "1 ", "1 x", "x 1", "1,2", ". 1", "- 1", "+-5 1", "1e2e3 4", "END"}) {
     SCOPED_TRACE(line);
     EXPECT_FALSE(Read("1\n" + std::string(line) + "\nEND\nEND\n"));
     EXPECT_EQ(Told(), Texts{"First coordinate of vector expected"});
@@ -309,6 +374,26 @@ TEST_F(NetworkVectorText, ThatDoesNotOpenIsTold) {
   EXPECT_FALSE(network.ReadAsciiFile(directory.Path("missing.txt").c_str(), 0));
   ASSERT_EQ(application.boxes.size(), 1U);
   EXPECT_EQ(application.boxes[0].title, "Error: Cannot open file");
+}
+
+TEST_F(NetworkVectorText, ThatIsADirectoryIsToldLikeOneThatDoesNotOpen) {
+  EXPECT_FALSE(network.ReadAsciiFile(directory.Path().c_str(), 1));
+  ASSERT_EQ(application.boxes.size(), 1U);
+  EXPECT_EQ(application.boxes[0].title, "Error: Cannot open file");
+}
+
+// Far more links at one node than a walk for each could look at in the time of a test.
+TEST_F(NetworkVectorText, OfAHubIsReadAsAnyOther) {
+  constexpr int kRays = 150000;
+  std::string text = "1\n0 0\n";
+  for (int i = 1; i <= kRays; ++i) text += std::to_string(i) + " 1\n0 0\n";
+  ASSERT_TRUE(Read(text + "END\nEND\n"));
+  EXPECT_EQ(network.NodeOutDegree(network.GetNode(1)), kRays);
+  EXPECT_EQ(network.NodeInDegree(network.GetNode(1)), kRays);
+  EXPECT_EQ(network.FindLink(1, kRays + 1), network.GetLink(2 * kRays - 1));
+  ASSERT_TRUE(Read(text + "END\nEND\n", 7));
+  EXPECT_EQ(network.LinkCount(), 2UL * kRays + 1);
+  EXPECT_EQ(network.GetLink(1)->type, 7U);
 }
 
 TEST_F(NetworkVectorText, ThatCannotBeCreatedIsTold) {

@@ -4,7 +4,7 @@
 
 #pragma once
 
-/// Copies a file, overwriting what is there. False if that fails; the last error of the system is
-/// then the reason, and what stands at the target may be part of a copy. The names must not mean
-/// one file.
+/// Copies a file, overwriting what is there. False if that fails, be it while the source is read;
+/// the last error of the system is then the reason, and what stands at the target may be part of a
+/// copy. The names must not mean one file.
 bool CopyOneFile(char const *from, char const *to);

@@ -12,6 +12,7 @@ bool CopyOneFile(char const *from, char const *to) {
   std::vector<char> piece(1U << 16);
   for (;;) {
     std::size_t const arrived = source.Read(piece.data(), piece.size());
+    if (source.Failed()) return false;
     if (!target.Write(piece.data(), arrived)) return false;
     if (arrived < piece.size()) return target.Close();
   }

@@ -1,4 +1,3 @@
-#include <algorithm>
 #include <cerrno>
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -29,11 +28,14 @@ ExistingFile::~ExistingFile() {
   errno = lastError;
 }
 
-std::uint64_t ExistingFile::Left() const {
+// The system gives pipes, devices and files of its own making a size, too, but one that means
+// nothing: it is 0, whatever there is to read.
+std::optional<std::uint64_t> ExistingFile::Left() const {
   struct stat status {};
-  if (::fstat(static_cast<int>(m_handle), &status) != 0) return 0;
+  if (::fstat(static_cast<int>(m_handle), &status) != 0) return std::nullopt;
   auto const size = static_cast<std::uint64_t>(status.st_size);
-  return size - std::min(size, m_read);
+  if (!S_ISREG(status.st_mode) || size == 0 || size < m_read) return std::nullopt;
+  return size - m_read;
 }
 
 std::size_t ExistingFile::Read(void *bytes, std::size_t count) {
@@ -42,6 +44,7 @@ std::size_t ExistingFile::Read(void *bytes, std::size_t count) {
   while (arrived < count) {
     ssize_t const got = ::read(static_cast<int>(m_handle), at + arrived, count - arrived);
     if (got < 0 && errno == EINTR) continue;
+    m_failed = got < 0;
     if (got <= 0) break;
     arrived += static_cast<std::size_t>(got);
   }

@@ -14,11 +14,14 @@ ExistingFile::~ExistingFile() {
   ::SetLastError(lastError);
 }
 
-std::uint64_t ExistingFile::Left() const {
+std::optional<std::uint64_t> ExistingFile::Left() const {
+  HANDLE const handle = reinterpret_cast<HANDLE>(m_handle);
   LARGE_INTEGER length{};
-  if (!::GetFileSizeEx(reinterpret_cast<HANDLE>(m_handle), &length)) return 0;
+  if (::GetFileType(handle) != FILE_TYPE_DISK || !::GetFileSizeEx(handle, &length))
+    return std::nullopt;
   auto const size = static_cast<std::uint64_t>(length.QuadPart);
-  return size - std::min(size, m_read);
+  if (size < m_read) return std::nullopt;
+  return size - m_read;
 }
 
 std::size_t ExistingFile::Read(void *bytes, std::size_t count) {
@@ -27,7 +30,10 @@ std::size_t ExistingFile::Read(void *bytes, std::size_t count) {
   while (arrived < count) {
     DWORD const piece = static_cast<DWORD>(std::min<std::size_t>(count - arrived, 1U << 30));
     DWORD got = 0;
-    if (!::ReadFile(reinterpret_cast<HANDLE>(m_handle), at + arrived, piece, &got, nullptr)) break;
+    if (!::ReadFile(reinterpret_cast<HANDLE>(m_handle), at + arrived, piece, &got, nullptr)) {
+      m_failed = ::GetLastError() != ERROR_BROKEN_PIPE;  // which is how a pipe tells its end
+      break;
+    }
     if (got == 0) break;
     arrived += got;
   }
