@@ -30,6 +30,9 @@ void ConvertThrough(CMatrixBaseMap<T> &map, CMultiScaleMatrix<T> const &raster,
 }  // namespace
 
 void Convert(ConvertOptions const &options) {
+  if (options.asByte &&
+      (options.type != "float" || KindOfRaster(options.out) != RasterKind::kIdrisi))
+    throw Failure("--as-byte is for float cells that become an Idrisi pair");
   Console const console(HelpDirectory(""));
   if (options.type == "float") {
     CMultiScaleFloatMatrix raster;

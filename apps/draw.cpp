@@ -43,7 +43,8 @@ void Draw(DrawOptions const &options) {
   int const read = map.OnFileImport(options.grid.c_str(), kAsciiGrid);
   console.ThrowIfBoxShown();
   long long const cells = static_cast<long long>(raster.NRows()) * raster.NCols();
-  if (cells == 0 || (read == 0 && !GridIsComplete(options.grid, cells)))
+  if (!HasCells(raster.NRows(), raster.NCols()) ||
+      (read == 0 && !GridIsComplete(options.grid, cells)))
     throw Failure("'" + options.grid + "' ends before its last cell");
 
   progress.Step("drawing " + options.picture);

@@ -25,9 +25,12 @@ std::string FirstWordInCapitals(std::string const &line) {
 }  // namespace
 
 void RequireReadable(std::string const &file) {
-  if (std::filesystem::is_directory(file)) throw Failure("'" + file + "' is a folder");
+  std::string const path = SystemPath(file);
+  if (std::filesystem::is_directory(path)) throw Failure("'" + file + "' is a folder");
+  if (std::filesystem::exists(path) && !std::filesystem::is_regular_file(path))
+    throw Failure("'" + file + "' is no plain file");
   errno = 0;
-  std::ifstream const stream(SystemPath(file), std::ios::binary);
+  std::ifstream const stream(path, std::ios::binary);
   if (!stream) throw Failure("cannot open '" + file + "': " + std::strerror(errno));
 }
 
@@ -60,6 +63,19 @@ bool GridIsComplete(std::string const &file, long long cells) {
     });
   }
   return words >= cells;
+}
+
+void RequireCheckableTarget(std::string const &file) {
+  std::string const path = SystemPath(file);
+  if (std::filesystem::exists(path) && !std::filesystem::is_regular_file(path))
+    throw Failure("cannot write '" + file + "': it is no plain file");
+}
+
+void RequireWrittenGrid(std::string const &file, long long cells) {
+  std::ifstream stream(SystemPath(file), std::ios::binary);
+  stream.seekg(-1, std::ios::end);
+  if (stream.get() != '\n' || !GridIsComplete(file, cells))
+    throw Failure("'" + file + "' could not be written whole");
 }
 
 void PrintColors(std::vector<unsigned long> const &colors) {

@@ -5,8 +5,14 @@
 #include <string>
 #include <vector>
 
-/// Throws a Failure that names the file and the system's reason unless it can be read.
+/// Throws a Failure that names the file and the system's reason unless it is a plain file that can be
+/// read: commands look at a file more than once, which a pipe does not bear.
 void RequireReadable(std::string const &file);
+
+/// Whether a raster of such sizes, which files tell as they like, has cells.
+inline bool HasCells(int rows, int cols) {
+  return rows > 0 && cols > 0;
+}
 
 /// Whether a file begins as an ASCII grid.
 bool IsGrid(std::string const &file);
@@ -18,6 +24,13 @@ void RequireGrid(std::string const &file);
 /// whose last number ends it without a line feed is as good as any other, and only a count tells it
 /// from one that was cut.
 bool GridIsComplete(std::string const &file, long long cells);
+
+/// Throws a Failure if a grid at that place could not be looked at again.
+void RequireCheckableTarget(std::string const &file);
+
+/// Throws a Failure unless a grid file that was just written has all its cells and the end of its
+/// last line: the library does not look at errors of writing a grid.
+void RequireWrittenGrid(std::string const &file, long long cells);
 
 /// Prints colours, one a line: number, red, green, blue.
 void PrintColors(std::vector<unsigned long> const &colors);

@@ -26,6 +26,7 @@ std::string FirstBytes(std::string const &file, std::size_t count) {
   std::ifstream stream(SystemPath(file), std::ios::binary);
   std::string bytes(count, '\0');
   stream.read(bytes.data(), static_cast<std::streamsize>(count));
+  if (stream.bad()) throw Failure("'" + file + "' could not be read");
   bytes.resize(static_cast<std::size_t>(stream.gcount()));
   return bytes;
 }
@@ -61,7 +62,8 @@ void PrintGrid(std::string const &file) {
   int const read = map.OnFileImport(file.c_str(), kAsciiGrid);
   console.ThrowIfBoxShown();
   long long const cells = static_cast<long long>(raster.NRows()) * raster.NCols();
-  bool const complete = cells > 0 && (read != 0 || GridIsComplete(file, cells));
+  bool const complete =
+      HasCells(raster.NRows(), raster.NCols()) && (read != 0 || GridIsComplete(file, cells));
 
   progress.Step("counting " + file);
   Values const values = CountValues(raster);
@@ -142,11 +144,7 @@ void PrintLegend(std::string const &file) {
 // Either file of an Idrisi pair stands for both.
 void PrintIdrisi(std::string const &file) {
   Console const console(HelpDirectory(""));
-  std::string const document = file.substr(0, file.rfind('.')) + ".doc";
-  CIdrisiImageHeader header;
-  bool const read = header.ReadFile(document.c_str());
-  console.ThrowIfBoxShown();
-  if (!read) throw Failure("'" + document + "' ends before its last line");
+  CIdrisiImageHeader header = ReadIdrisiDocument(file, console);
   std::printf("Idrisi image\ntitle     %s\ntype      %s, %s\nrows      %d\ncolumns   %d\n",
               header.Title(), header.DataType(), header.FileType(), header.Rows(),
               header.Columns());
@@ -155,14 +153,15 @@ void PrintIdrisi(std::string const &file) {
               header.FlagValue(), header.FlagDefinition());
   for (int i = 0; i < header.CategoryCount(); ++i)
     std::printf("%9d %s\n", i, header.CategoryTitle(i));
+  RequireIdrisiImage(file, header);
 }
 
 bool PrintedAsMap(std::string const &file) {
   std::optional<MapHead> const head = ReadMapHead(file);
   if (!head) return false;
-  char const *const type = head->cellBytes == 4 ? "float" : head->cellBytes == 2 ? "short" : "byte";
+  char const *const types[] = {"none", "byte", "short", "", "float"};
   std::printf("Map file\nrows      %d\ncolumns   %d\ncells     %s\nclasses   %d\n", head->rows,
-              head->cols, type, head->items);
+              head->cols, types[head->cellBytes], head->items);
   return true;
 }
 
@@ -178,10 +177,11 @@ bool IsText(std::string const &file) {
 void Info(std::string const &file) {
   RequireReadable(file);
   std::string const start = FirstBytes(file, 8);
-  if (start.empty()) throw Failure("'" + file + "' is empty");
+  bool const isPair = KindOfRaster(file) == RasterKind::kIdrisi;  // an image may hold no cells
+  if (start.empty() && !isPair) throw Failure("'" + file + "' is empty");
   if (IsGrid(file)) return PrintGrid(file);
   if (start == "[IDRISI]") return PrintPalette(file);
-  if (KindOfRaster(file) == RasterKind::kIdrisi) return PrintIdrisi(file);
+  if (isPair) return PrintIdrisi(file);
   if (PrintedAsMap(file)) return;
   if (start.starts_with("BM")) return PrintBitmap(file);
   if (!IsText(file)) throw Failure("'" + file + "' is of no kind that is known here");

@@ -50,7 +50,8 @@ void AddConvert(CLI::App &program, ConvertOptions &options) {
   command->add_option("--type", options.type, "Cells as float, short or byte")
       ->check(CLI::IsMember({"float", "short", "byte"}))
       ->capture_default_str();
-  command->add_flag("--as-byte", options.asByte, "Write the Idrisi image of float cells as bytes");
+  command->add_flag("--as-byte", options.asByte,
+                    "Write an Idrisi image of float cells as bytes; with nothing else");
   command->footer("Example: quillaven convert landuse.asc landuse.doc --type byte");
   command->callback([&options] { Convert(options); });
 }
@@ -214,6 +215,8 @@ int main(int argc, char **argv) {  // NOLINT: what is thrown while options are s
     return Fail(e.what(), kCommandFailed);
   } catch (std::string const &text) {
     return Fail(text, kCommandFailed);
+  } catch (CException const &) {  // commands tell more where they can
+    return Fail("a file could not be read or written", kCommandFailed);
   }
   return 0;
 }

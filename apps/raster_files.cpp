@@ -21,16 +21,31 @@ long long CellsOf(CBaseMap const &map) {
   return static_cast<long long>(map.NRows()) * map.NCols();
 }
 
+std::string InLowerCase(char const *text) {
+  CString lower(text);
+  lower.MakeLower();
+  return lower;
+}
+
+Failure UnreadableFile(std::string const &file) {
+  return Failure("'" + file + "' could not be read");
+}
+
 template <class T>
 void LoadMap(CMatrixBaseMap<T> &map, std::string const &file) {
   std::optional<MapHead> const head = ReadMapHead(file);
   if (!head) throw Failure("'" + file + "' is no map file, or ends before its last cell");
+  if (head->cellBytes == 0) throw Failure("'" + file + "' holds no cells");
   if (head->cellBytes != static_cast<int>(sizeof(T)))
     throw Failure("'" + file + "' has cells of " + std::to_string(head->cellBytes) +
                   " bytes, not " + std::to_string(sizeof(T)) + ": choose another --type");
-  CFile stream(file.c_str(), CFile::modeRead);
-  CArchive archive(&stream, CArchive::load);
-  map.Serialize(archive);
+  try {
+    CFile stream(file.c_str(), CFile::modeRead);
+    CArchive archive(&stream, CArchive::load);
+    map.Serialize(archive);
+  } catch (CException const &) {
+    throw UnreadableFile(file);
+  }
 }
 
 template <class T>
@@ -45,6 +60,21 @@ void StoreMap(CMatrixBaseMap<T> &map, std::string const &file) {
   map.Serialize(archive);
   archive.Close();
   stream.Close();
+}
+
+// What an import of the pair would refuse without a word.
+void RequireReadablePair(std::string const &file, Console const &console) {
+  CIdrisiImageHeader header = ReadIdrisiDocument(file, console);
+  std::string const document = "'" + IdrisiDocument(file) + "'";
+  if (InLowerCase(header.FileType()) != "binary")
+    throw Failure(document + " is of an image of type " + header.FileType() +
+                  ": only binary ones are read");
+  if (IdrisiCellBytes(header) == 0)
+    throw Failure(document + " is of cells of type " + header.DataType() +
+                  ": only real, integer and byte ones are read");
+  if (!HasCells(header.Rows(), header.Columns()))
+    throw Failure(document + " tells of no cells: " + std::to_string(header.Rows()) + " rows, " +
+                  std::to_string(header.Columns()) + " columns");
 }
 
 }  // namespace
@@ -64,20 +94,59 @@ std::optional<MapHead> ReadMapHead(std::string const &file) {
   if (!stream.Open(file.c_str(), CFile::modeRead)) return std::nullopt;
   CArchive archive(&stream, CArchive::load);
   MapWithoutCells map;
+  std::uint64_t bytes = 0;
   try {
     map.Serialize(archive);
+    bytes = archive.BytesLeft();
   } catch (CArchiveException const &) {
     return std::nullopt;
+  } catch (CFileException const &) {
+    throw UnreadableFile(file);
   } catch (std::bad_alloc const &) {
     return std::nullopt;
   }
-  if (map.m_nRows < 1 || map.m_nCols < 1) return std::nullopt;
+  if (map.m_nRows < 0 || map.m_nCols < 0) return std::nullopt;
+  MapHead head{map.m_nRows, map.m_nCols, map.m_nLegendItems, 0};
   auto const cells = static_cast<std::uint64_t>(CellsOf(map));
-  std::uint64_t const bytes = archive.BytesLeft();
-  for (int width : {4, 2, 1})
-    if (bytes == cells * static_cast<std::uint64_t>(width))
-      return MapHead{map.m_nRows, map.m_nCols, map.m_nLegendItems, width};
+  if (bytes == 0 && cells == 0) return head;
+  for (int const width : {4, 2, 1}) {
+    head.cellBytes = width;
+    if (cells != 0 && bytes == cells * static_cast<std::uint64_t>(width)) return head;
+  }
   return std::nullopt;
+}
+
+std::string IdrisiDocument(std::string const &file) {
+  return file.substr(0, file.rfind('.')) + ".doc";
+}
+std::string IdrisiImage(std::string const &file) {
+  return file.substr(0, file.rfind('.')) + ".img";
+}
+
+CIdrisiImageHeader ReadIdrisiDocument(std::string const &file, Console const &console) {
+  std::string const document = IdrisiDocument(file);
+  CIdrisiImageHeader header;
+  bool const read = header.ReadFile(document.c_str());
+  console.ThrowIfBoxShown();
+  if (!read) throw Failure("'" + document + "' ends before its last line");
+  return header;
+}
+
+int IdrisiCellBytes(CIdrisiImageHeader const &header) {
+  if (InLowerCase(header.FileType()) != "binary") return 0;
+  std::string const type = InLowerCase(header.DataType());
+  return type == "real" ? 4 : type == "integer" ? 2 : type == "byte" ? 1 : 0;
+}
+
+void RequireIdrisiImage(std::string const &file, CIdrisiImageHeader &header) {
+  std::string const image = IdrisiImage(file);
+  RequireReadable(image);
+  int const width = IdrisiCellBytes(header);
+  if (width == 0 || !HasCells(header.Rows(), header.Columns())) return;
+  std::uint64_t const cells =
+      static_cast<std::uint64_t>(header.Rows()) * static_cast<std::uint64_t>(header.Columns());
+  if (std::filesystem::file_size(SystemPath(image)) / static_cast<std::uint64_t>(width) < cells)
+    throw Failure("'" + image + "' ends before its last cell");
 }
 
 template <class T>
@@ -86,11 +155,15 @@ void LoadRaster(CMatrixBaseMap<T> &map, std::string const &file, RasterKind kind
   RequireReadable(file);
   if (kind == RasterKind::kMap) return LoadMap(map, file);
   if (kind == RasterKind::kGrid) RequireGrid(file);
+  if (kind == RasterKind::kIdrisi) RequireReadablePair(file, console);
   int const read =
       map.OnFileImport(file.c_str(), kind == RasterKind::kGrid ? kGridFormat : kIdrisiFormat);
   console.ThrowIfBoxShown();
+  // A grid that asks for more cells than it could hold leaves none behind.
+  bool const none = !HasCells(map.NRows(), map.NCols());
+  if (none && read != 0) throw Failure("'" + file + "' holds no cells");
   bool const whole = read != 0 || (kind == RasterKind::kGrid && GridIsComplete(file, CellsOf(map)));
-  if (CellsOf(map) == 0 || !whole) throw Failure("'" + file + "' ends before its last cell");
+  if (none || !whole) throw Failure("'" + file + "' ends before its last cell");
 }
 
 template <class T>
@@ -101,10 +174,12 @@ void StoreRaster(CMatrixBaseMap<T> &map, std::string const &file, RasterKind kin
   } catch (CFileException const &) {
     throw Failure("'" + file + "' could not be written whole");
   }
-  int const written =
-      map.OnFileExport(file.c_str(), kind == RasterKind::kGrid ? kGridFormat : kIdrisiFormat);
+  bool const isGrid = kind == RasterKind::kGrid;
+  if (isGrid) RequireCheckableTarget(file);
+  int const written = map.OnFileExport(file.c_str(), isGrid ? kGridFormat : kIdrisiFormat);
   console.ThrowIfBoxShown();
   if (written == 0) throw Failure("cannot write '" + file + "'");
+  if (isGrid) RequireWrittenGrid(file, CellsOf(map));
 }
 
 template void LoadRaster(CMatrixBaseMap<float> &, std::string const &, RasterKind, Console const &);

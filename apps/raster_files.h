@@ -21,11 +21,26 @@ struct MapHead {
   int rows = 0;
   int cols = 0;
   int items = 0;
-  int cellBytes = 0;  // 4, 2 or 1, from the size of the file
+  int cellBytes = 0;  // 4, 2 or 1, from the size of the file; 0 for a map without cells
 };
 
-/// Reads the head of a map file; nothing if the file cannot be one.
+/// Reads the head of a map file; nothing if the file cannot be one. Throws a Failure if the file
+/// cannot be read.
 std::optional<MapHead> ReadMapHead(std::string const &file);
+
+/// The two files of an Idrisi pair, by the name of either.
+std::string IdrisiDocument(std::string const &file);
+std::string IdrisiImage(std::string const &file);
+
+/// Reads the documentation file of an Idrisi pair, or throws a Failure.
+CIdrisiImageHeader ReadIdrisiDocument(std::string const &file, Console const &console);
+
+/// Bytes of a cell of a binary image; 0 for an image or a cell of a type that is not read.
+int IdrisiCellBytes(CIdrisiImageHeader const &header);
+
+/// Throws a Failure unless the image of an Idrisi pair is there and, if it is of a type that is read,
+/// holds all the cells that its documentation tells of.
+void RequireIdrisiImage(std::string const &file, CIdrisiImageHeader &header);
 
 /// Fills the raster of a map from a file of a kind, or throws a Failure.
 template <class T>

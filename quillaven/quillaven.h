@@ -4,6 +4,8 @@
 
 #pragma once
 
+#include <quillaven/editor/dialog.h>
+#include <quillaven/editor/drawing.h>
 #include <quillaven/exchange/bitmap.h>
 #include <quillaven/exchange/idrisi_header.h>
 #include <quillaven/exchange/idrisi_palette.h>

@@ -57,11 +57,11 @@ TEST_F(FormatExamples, StandInTheirPagesAsTheyAre) {
   EXPECT_TRUE(stands("legend.md", "Legends/Version1.txt"));
   EXPECT_TRUE(stands("idrisi-pair.md", "landuse.doc"));
   EXPECT_EQ(BytesInPage("idrisi-pair.md"), Bytes(kExamples + "/landuse.img"));
-  EXPECT_EQ(BytesInPage("map-file.md"), Bytes(kExamples + "/ones.map"));
+  EXPECT_EQ(BytesInPage("map-file.md"), Bytes(kExamples + "/ones.qmp"));
 }
 
 TEST_F(FormatExamples, MapFileIsReadAndWrittenBackByteForByte) {
-  std::string const file = kExamples + "/ones.map";
+  std::string const file = kExamples + "/ones.qmp";
   CMultiScaleFloatMatrix raster;
   CFloatMatrixBaseMap map;
   map.Attach("", "", &raster, nullptr, false);
@@ -76,13 +76,13 @@ TEST_F(FormatExamples, MapFileIsReadAndWrittenBackByteForByte) {
   EXPECT_EQ(map.GetLegendItemColor(0), 255UL);
 
   TemporaryDirectory directory;
-  CFile target(directory.Path("again.map").c_str(), CFile::modeCreate | CFile::modeWrite);
+  CFile target(directory.Path("again.qmp").c_str(), CFile::modeCreate | CFile::modeWrite);
   CArchive storing(&target, CArchive::store);
   map.Serialize(storing);
   storing.Close();
   target.Close();
-  EXPECT_EQ(directory.Read("again.map").size(), 38U);
-  EXPECT_EQ(directory.Read("again.map"), Bytes(file));
+  EXPECT_EQ(directory.Read("again.qmp").size(), 38U);
+  EXPECT_EQ(directory.Read("again.qmp"), Bytes(file));
 }
 
 TEST_F(FormatExamples, IdrisiPairIsReadAndItsImageWrittenBackByteForByte) {

@@ -40,6 +40,20 @@ expect_output() {
   [ ! -s err.txt ] || fail "$*: wrote to standard error: $(cat err.txt)"
 }
 
+# expect_failure_behind_output TEXT OUTPUT ARGUMENT...: status 1 and one line of standard error with the
+# text, behind what standard output could tell.
+expect_failure_behind_output() {
+  local text=$1 output=$2
+  shift 2
+  checks=$((checks + 1))
+  "$program" "$@" > out.txt 2> err.txt
+  local got=$?
+  [ "$got" -eq 1 ] || fail "$*: status $got, expected 1"
+  [ "$(wc -l < err.txt)" -eq 1 ] || fail "$*: $(wc -l < err.txt) lines on standard error: $(cat err.txt)"
+  grep -qF -- "$text" err.txt || fail "$*: '$text' expected in '$(cat err.txt)'"
+  grep -qF -- "$output" out.txt || fail "$*: '$output' expected in: $(cat out.txt)"
+}
+
 expect_same() {
   checks=$((checks + 1))
   [ "$2" = "$3" ] || fail "$1: '$2', expected '$3'"
@@ -111,12 +125,108 @@ head -c 1000 country.qmp > cut.qmp
 expect_line "is no map file, or ends before its last cell" 1 convert cut.qmp a.asc --type byte
 expect_line "cannot write 'nowhere/a.qmp'" 1 convert "$grid" nowhere/a.qmp
 expect_line "cannot write 'nowhere/a.doc'" 1 convert "$grid" nowhere/a.doc
+head -c 1000 country.img > cut.img && cp country.doc cut.doc
+expect_failure_behind_output "'cut.img' ends before its last cell" "columns   500" info cut.doc
 rm -f country.img
 expect_line "Cannot open file" 1 convert country.doc a.asc
+expect_failure_behind_output "cannot open 'country.img': No such file or directory" "rows      992" info country.doc
+head -n 12 country.doc > cut.doc
+expect_line "'cut.doc' ends before its last line" 1 info cut.doc
+expect_line "'cut.doc' ends before its last line" 1 convert cut.doc a.asc
+
+# Types of cells, by the bytes of the image
+printf 'NCOLS 3\nNROWS 1\nX 0\nY 0\nC 1\nN -9999\n1 300 -2.5\n' > types.asc
+bytes_of() { od -An -v -tu1 "$1" | tr -s ' \n' ' '; }
+expect_output "1 rows, 3 columns" convert types.asc types.doc --as-byte
+expect_output "type      byte, binary" info types.doc
+expect_same "float cells as bytes" "$(bytes_of types.img)" " 1 44 254 "
+expect_output "1 rows, 3 columns" convert types.asc types.doc --type short
+expect_output "type      integer, binary" info types.doc
+expect_same "short cells" "$(bytes_of types.img)" " 1 0 44 1 254 255 "
+expect_output "1 rows, 3 columns" convert types.img types.qmp --type short
+expect_output "cells     short" info types.qmp
+expect_line "--as-byte is for float cells" 1 convert types.asc types.doc --type short --as-byte
+expect_line "--as-byte is for float cells" 1 convert types.asc types.asc.qmp --as-byte
+
+# Pairs that are not read, and sizes without cells
+# pair NAME FIELD VALUE...: the pair types.doc and .img under another name, with other values.
+pair() {
+  local name=$1
+  shift
+  cp types.doc "$name.doc" && cp types.img "$name.img"
+  while [ $# -gt 0 ]; do
+    sed -i "s/^\($1 *: \).*/\\1$2/" "$name.doc"
+    shift 2
+  done
+}
+pair ascii "file type" ASCII
+expect_line "of an image of type ASCII: only binary ones are read" 1 convert ascii.doc a.asc
+pair complex "data type" complex
+expect_line "of cells of type complex: only real, integer and byte ones are read" 1 convert complex.doc a.asc
+expect_output "type      complex, binary" info complex.doc
+pair capitals "file type" BINARY "data type" INTEGER
+expect_output "1 rows, 3 columns" convert capitals.doc a.asc
+pair minus rows -3 columns -7
+expect_line "tells of no cells: -3 rows, -7 columns" 1 convert minus.doc a.asc
+pair none rows 0
+: > none.img
+expect_line "tells of no cells: 0 rows, 3 columns" 1 convert none.img a.asc
+expect_output "rows      0" info none.img
+pair huge rows 2000000000 columns 2000000000
+expect_line "ends before its last cell" 1 convert huge.doc a.asc
+printf 'NCOLS -7\nNROWS -3\nX 0\nY 0\nC 1\nN -1\n' > minus.asc
+expect_line "holds no cells" 1 convert minus.asc a.qmp
+expect_line "ends before its last cell" 1 draw minus.asc --legend Intervals --help-dir "$help_dir" --out minus.bmp
+
+# A map without rows is a map file: two sizes, no items, two empty lists
+printf '\000\000\000\000\005\000\000\000\000\000\000\000\000\000\000\000' > none.qmp
+expect_output "columns   5" info none.qmp
+expect_output "cells     none" info none.qmp
+expect_line "'none.qmp' holds no cells" 1 convert none.qmp a.asc
+
+# Files that fail while they are read, and that are none to be read twice
+if [ -e /proc/self/mem ]; then
+  ln -s /proc/self/mem fault.qmp
+  expect_line "'fault.qmp' could not be read" 1 convert fault.qmp a.asc
+  expect_line "'fault.qmp' could not be read" 1 info fault.qmp
+fi
+mkfifo pipe.qmp
+expect_line "'pipe.qmp' is no plain file" 1 convert pipe.qmp a.asc
+expect_line "'pipe.qmp' is no plain file" 1 info pipe.qmp
+
+# A full disk is told for every kind of file, whether it is full from the first byte on or later
+if [ -e /dev/full ]; then
+  for kind in asc qmp img; do ln -s /dev/full full.$kind; done
+  expect_line "cannot write 'full.asc'" 1 convert "$small" full.asc
+  expect_line "'full.qmp' could not be written whole" 1 convert "$small" full.qmp
+  expect_line "cannot write 'full.img'" 1 convert "$small" full.img
+fi
+# limited COMMAND...: files end at 20 KB, as on a disk that runs full.
+limited() {
+  (
+    trap '' XFSZ
+    ulimit -f 20
+    exec "$@"
+  )
+}
+plain_program=$program
+program=limited_program
+limited_program() { limited "$plain_program" "$@"; }
+expect_line "'late.asc' could not be written whole" 1 convert "$grid" late.asc
+expect_line "'late.qmp' could not be written whole" 1 convert "$grid" late.qmp
+expect_line "cannot write 'late.doc'" 1 convert "$grid" late.doc
+program=$plain_program
 
 # Colours
 expect_output "    1  255 255   0" colors spread 6
 expect_output "    0  200  30  30" colors brighten 200 30 30 --factor 0.6
+expect_output "    0  144  14  14" colors spread 1 --saturation 208 --lightness 78
+expect_output "    1    0 255   0" colors spread 3 --saturation 252
+expect_output "    2  100 100 100" colors spread 3 --saturation 0 --lightness 99
+expect_line "--saturation" 2 colors spread 6 --saturation 253
+expect_line "--lightness" 2 colors spread 6 --lightness -1
+expect_line "count" 2 colors spread 0
+expect_line "color" 2 colors brighten 200 30 256 --factor 0.6
 expect_line "color" 2 colors brighten 200 30 --factor 0.6
 
 # Networks: the four types of a country become one file; its figures are those of its makers

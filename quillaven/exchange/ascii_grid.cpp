@@ -41,13 +41,6 @@ void ReadText(TextReader &reader, std::string &text) {
   if (!word.empty()) text = word.substr(0, kLongestText);
 }
 
-// The number that a word begins with, as scanf takes it; `otherwise` if there is none.
-double LeadingNumber(std::string word, double otherwise) {
-  word += ' ';
-  TextReader(word).Number(otherwise);
-  return otherwise;
-}
-
 template <class T>
 void ReadCells(TextReader &reader, CMultiScaleMatrix<T> &raster) {
   if (raster.NRows() < 1 || raster.NCols() < 1) return;
@@ -95,7 +88,7 @@ bool ExportAsciiGrid(char const *file, GridTexts const &texts, CMultiScaleMatrix
   std::string const header = Header(texts, raster);
   stream.write(header.data(), static_cast<std::streamsize>(header.size()));
 
-  int const cols = std::max(raster.NCols(), 0);
+  int const cols = raster.NRows() < 1 ? 0 : std::max(raster.NCols(), 0);
   std::vector<T> row(static_cast<std::size_t>(cols));
   // Room for a block of output and one number more.
   std::vector<char> block(kOutputBlock + kNumberTextSize + 2);
@@ -133,14 +126,14 @@ bool ImportAsciiGrid(char const *file, GridTexts &texts, CMultiScaleMatrix<T> &r
   int const cols = LeadingInteger(SecondWord(reader.Line(kLongestHeaderLine)).c_str());
   int const rows = LeadingInteger(SecondWord(reader.Line(kLongestHeaderLine)).c_str());
   // A cell takes a digit and a blank at least.
-  bool const believed = AreCellsBelievable(rows, cols, reader.Left() / 2 + 1);
+  bool const believed = AreCellsBelievable(rows, cols, [&] { return reader.Left() / 2 + 1; });
   raster.Redim(believed ? rows : 0, believed ? cols : 0, DefaultFineResolution());
   ReadText(reader, texts.xCorner);
   ReadText(reader, texts.yCorner);
   ReadText(reader, texts.cellSize);
-  double const noData = LeadingNumber(SecondWord(reader.Line(kLongestHeaderLine)),
-                                      static_cast<double>(CSmartIOHeader().m_fNoData));
-  raster.SetNoDataValue(true, static_cast<float>(noData));
+  double noData = static_cast<double>(CSmartIOHeader().m_fNoData);  // where the file tells none
+  LeadingNumber(SecondWord(reader.Line(kLongestHeaderLine)), noData);
+  raster.SetNoDataValue(true, NearestFloat(noData));
   ReadCells(reader, raster);
   return believed && !reader.MetEnd();
 }

@@ -1,5 +1,6 @@
 #include <cmath>
 #include <cstddef>
+#include <limits>
 #include <random>
 #include <string>
 #include <vector>
@@ -232,12 +233,31 @@ TEST_F(AsciiGrid, NumbersBecomeIntegersByTruncationAndTheirLowBits) {
   EXPECT_EQ(Cells(bytes), (Numbers{1, 255, 70000 % 256, 44}));
 }
 
-TEST_F(AsciiGrid, NumbersThatNoIntHoldsAreHeldFirst) {
+TEST_F(AsciiGrid, NumbersThatNoIntHoldsKeepTheirLowBits) {
+  EXPECT_TRUE(Import(kHeader + "3e9 -3000000000.9\n4294967808 9007199254740993\n", shorts));
+  EXPECT_EQ(Cells(shorts), (Numbers{24064, -24064, 512, 0}));
+  EXPECT_TRUE(Import(kHeader + "3000000007 -4294967299\n2147483648 -2147483649\n", bytes));
+  EXPECT_EQ(Cells(bytes), (Numbers{7, 256 - 3, 0, 255}));
+  // Beyond 64 bits: 2^63 + 2^11 and 2^65 + 2^13, which a double holds exactly.
+  EXPECT_TRUE(Import(kHeader + "9223372036854777856 36893488147419111424\n1e30 -1e30\n", shorts));
+  EXPECT_EQ(Cells(shorts), (Numbers{2048, 8192, 0, 0}));
+}
+
+TEST_F(AsciiGrid, NumbersThatAreInfiniteHaveNoLowBits) {
   EXPECT_TRUE(Import(kHeader + "1e999 -1e999\n1e30 0\n", shorts));
-  EXPECT_EQ(Cells(shorts), (Numbers{-1, 0, -1, 0}));
-  EXPECT_TRUE(Import(kHeader + "1e999 -1e999\n1e30 0\n", floats));
-  EXPECT_TRUE(std::isinf(floats.At(0, 0)));
+  EXPECT_EQ(Cells(shorts), (Numbers{0, 0, 0, 0}));
+  EXPECT_TRUE(Import(kHeader + "1e999 -1e999\n1e30 1e300\n", floats));
+  EXPECT_EQ(floats.At(0, 0), std::numeric_limits<float>::infinity());
+  EXPECT_EQ(floats.At(0, 1), -std::numeric_limits<float>::infinity());
   EXPECT_EQ(floats.At(1, 0), 1e30F);
+  EXPECT_EQ(floats.At(1, 1), std::numeric_limits<float>::infinity());
+}
+
+TEST_F(AsciiGrid, OfNoRowsMayHaveAnyNumberOfColumns) {
+  Import("NCOLS 2147483647\nNROWS 0\nX 0\nY 0\nC 1\nN -1\n", floats);
+  EXPECT_EQ(floats.NRows(), 0);
+  EXPECT_EQ(floats.NCols(), 2147483647);
+  EXPECT_EQ(Export(floats).substr(0, 25), "NCOLS 2147483647\nNROWS 0\n");
 }
 
 TEST_F(AsciiGrid, MissingFileIsToldInABoxAndLeavesTheRaster) {

@@ -1,21 +1,21 @@
-#include <cstdlib>
 #include <fstream>
 #include <istream>
 #include <string>
 
 #include <quillaven/exchange/idrisi_header.h>
+#include <quillaven/exchange/number_reader_internal.h>
 #include <quillaven/foundation/errors.h>
 #include <quillaven/foundation/input_file_internal.h>
 #include <quillaven/foundation/line_reader_internal.h>
 #include <quillaven/foundation/number_text_internal.h>
 #include <quillaven/foundation/numbers.h>
 #include <quillaven/foundation/rounding_internal.h>
-#include <quillaven/platform/number_locale_internal.h>
 #include <quillaven/platform/system_paths.h>
 
 namespace {
 
 constexpr std::size_t kLongestLine = 511;
+constexpr int kBelievedCategories = 65536;
 
 // Reads the values of a file line by line. The first line that is not there fails the whole file;
 // what follows stays as it is.
@@ -32,8 +32,9 @@ class ValueReader {
   }
   void Read(double &number) {
     CString text;
-    PointLocale const numbers;
-    if (Read(text)) number = std::strtod(text, nullptr);
+    if (!Read(text)) return;
+    number = 0;  // unless the text begins with a number
+    LeadingNumber(text, number);
   }
   void Read(int &number) {
     CString text;
@@ -87,12 +88,15 @@ bool CIdrisiImageHeader::ReadFile(char const *file) {
   reader.Read(count);
   if (!reader.Good()) return false;
 
-  // The list grows as its lines come, so that no count is believed before they are there.
-  m_Categories.clear();
+  // The list has the size that the file tells, be its lines there or not. One that is too large to
+  // be believed grows as its lines come.
+  bool const believed = count > 0 && count <= kBelievedCategories;
+  m_Categories.resize(believed ? static_cast<std::size_t>(count) : 0);
   for (int i = 0; i < count; ++i) {
     CString text;
     if (!reader.Read(text)) return false;
-    m_Categories.push_back(text);
+    if (i == CategoryCount()) m_Categories.emplace_back();
+    m_Categories[static_cast<std::size_t>(i)] = text;
   }
   return true;
 }

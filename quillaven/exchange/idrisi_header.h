@@ -21,9 +21,10 @@ class QUILLAVEN_API CIdrisiImageHeader {
   /// Width of a line's label; the value stands behind it.
   static constexpr int DESCRIPTOR_WIDTH = 14;
 
-  /// Reads a documentation file. False if it cannot be opened, which a box tells, or if it ends
-  /// early; fields that were read by then are kept. A line without a value gives "malformed input"
-  /// to a text and 0 to a number, and is no failure.
+  /// Reads a documentation file. False if it cannot be opened, which a box tells, or if a line is
+  /// missing; fields that were read by then are kept, and categories whose lines are missing stay as
+  /// they were. A line without a value gives "malformed input" to a text and 0 to a number, and is
+  /// no failure, nor is a last line without a line feed.
   virtual bool ReadFile(char const *file);
   /// Writes a documentation file. Coordinates lose their fractions, and a category gains a blank
   /// each time it is written and read: both are as other programs know these files. False, with no

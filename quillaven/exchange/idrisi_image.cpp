@@ -2,19 +2,19 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <cstdlib>
 #include <fstream>
 #include <string>
 #include <vector>
 
 #include <quillaven/exchange/cell_conversion_internal.h>
 #include <quillaven/exchange/idrisi_header.h>
+#include <quillaven/exchange/number_reader_internal.h>
 #include <quillaven/exchange/raster_exchange_internal.h>
 #include <quillaven/foundation/byte_order_internal.h>
 #include <quillaven/foundation/errors.h>
 #include <quillaven/foundation/input_file_internal.h>
 #include <quillaven/foundation/number_text_internal.h>
-#include <quillaven/platform/number_locale_internal.h>
+#include <quillaven/foundation/rounding_internal.h>
 #include <quillaven/platform/system_paths.h>
 #include <quillaven/raster/raster_access_internal.h>
 #include <quillaven/raster/raster_operations.h>
@@ -58,7 +58,8 @@ Limits LimitsOf(CMultiScaleMatrix<T> const &raster) {
   bool const hasNoData = raster.HasNoDataValue();
   Limits limits{noData, noData};
   bool first = true;
-  int const cols = std::max(raster.NCols(), 0);
+  if (raster.NRows() < 1 || raster.NCols() < 1) return limits;
+  int const cols = raster.NCols();
   std::vector<T> row(static_cast<std::size_t>(cols));
   for (int r = 0; r < raster.NRows(); ++r) {
     CRasterAccess::ReadRow(raster, r, 0, cols, row.data());
@@ -77,7 +78,8 @@ template <class Cell, class T>
 bool WriteImage(std::string const &file, CMultiScaleMatrix<T> const &raster) {
   std::ofstream stream(SystemPath(file), std::ios::binary);
   if (!stream) return false;
-  int const cols = std::max(raster.NCols(), 0);
+  if (raster.NRows() < 1 || raster.NCols() < 1) return true;
+  int const cols = raster.NCols();
   std::vector<T> row(static_cast<std::size_t>(cols));
   std::vector<Cell> cells(row.size());
   for (int r = 0; r < raster.NRows(); ++r) {
@@ -92,34 +94,40 @@ bool WriteImage(std::string const &file, CMultiScaleMatrix<T> const &raster) {
 }
 
 // Reads row by row with no check; behind the end of a short file the rows take what the buffer
-// holds.
+// holds, so the buffer stays as the file has it.
 template <class Cell, class T>
 bool ReadImage(std::istream &stream, CMultiScaleMatrix<T> &raster) {
-  std::vector<Cell> cells(static_cast<std::size_t>(std::max(raster.NCols(), 0)));
+  if (raster.NRows() < 1 || raster.NCols() < 1) return true;
+  std::vector<Cell> cells(static_cast<std::size_t>(raster.NCols()));
   std::vector<T> row(cells.size());
   for (int r = 0; r < raster.NRows(); ++r) {
     stream.read(reinterpret_cast<char *>(cells.data()),
                 static_cast<std::streamsize>(cells.size() * sizeof(Cell)));
-    std::vector<Cell> machine = cells;  // the buffer itself stays as the file has it
-    SwapIfBigEndian(machine);
-    std::transform(machine.begin(), machine.end(), row.begin(), ConvertCell<T, Cell>);
+    std::transform(cells.begin(), cells.end(), row.begin(),
+                   [](Cell cell) { return ConvertCell<T>(SwappedIfBigEndian(cell)); });
     CRasterAccess::WriteRow(raster, r, row.data());
   }
   return static_cast<bool>(stream);
 }
 
-std::uint64_t SizeOfFile(std::string const &file) {
-  std::ifstream stream = OpenInputFile(file, std::ios::binary | std::ios::ate);
-  return stream ? static_cast<std::uint64_t>(stream.tellg()) : 0;
+// Cells of a data type that an image file has room for. Of another type no image is ever read.
+std::uint64_t RoomForCells(std::string const &image, std::string const &dataType) {
+  std::ifstream stream = OpenInputFile(image, std::ios::binary | std::ios::ate);
+  std::int64_t const size = stream ? static_cast<std::int64_t>(stream.tellg()) : 0;
+  std::size_t width = 1;
+  DispatchOnDataType(dataType, [&width](auto zero) {
+    width = sizeof zero;
+    return true;
+  });
+  return static_cast<std::uint64_t>(std::max<std::int64_t>(size, 0)) / width;
 }
 
 // A flag value that begins with a number puts it in force as the no-data value; "none" puts it out.
 template <class T>
 void SetNoDataFromFlag(CMultiScaleMatrix<T> &raster, char const *flag) {
-  PointLocale const numbers;
-  char *end = nullptr;
-  double const value = std::strtod(flag, &end);
-  raster.SetNoDataValue(end != flag, static_cast<float>(value));
+  double value = 0;
+  bool const isNumber = LeadingNumber(flag, value);
+  raster.SetNoDataValue(isNumber, NearestFloat(value));
 }
 
 }  // namespace
@@ -152,7 +160,8 @@ bool ImportIdrisi(char const *file, CMultiScaleMatrix<T> &raster) {
   CIdrisiImageHeader header;
   if (!header.ReadFile((name + ".doc").c_str())) return false;
   if (!EqualsWithoutCase(header.FileType(), "binary")) return false;
-  bool const believed = AreCellsBelievable(header.Rows(), header.Columns(), SizeOfFile(image));
+  bool const believed = AreCellsBelievable(header.Rows(), header.Columns(),
+                                           [&] { return RoomForCells(image, header.DataType()); });
   raster.Redim(believed ? header.Rows() : 0, believed ? header.Columns() : 0,
                DefaultFineResolution());
   SetNoDataFromFlag(raster, header.FlagValue());

@@ -94,3 +94,7 @@ bool TextReader::SlowNumber(double &value) {
   if (m_at == m_end) m_metEnd = true;
   return true;
 }
+
+bool LeadingNumber(std::string const &text, double &value) {
+  return TextReader(text).Number(value);
+}

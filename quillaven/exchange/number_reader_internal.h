@@ -42,3 +42,7 @@ class TextReader {
   bool m_stopped = false;
   bool m_metEnd = false;
 };
+
+/// The number that a text begins with, behind blanks; false, and the value as it was, if there is
+/// none. It is a decimal number: names such as "inf" and "nan" are none, and "0x10" begins with 0.
+bool LeadingNumber(std::string const &text, double &value);

@@ -133,4 +133,21 @@ TEST(TextReader, SurvivesRandomBytes) {
   }
 }
 
+TEST(LeadingNumber, IsTheDecimalNumberThatATextBeginsWith) {
+  struct Case {
+    char const *text;
+    bool is;
+    double value;
+  };
+  for (Case const &each :
+       {Case{"12", true, 12}, Case{" -2.5 m", true, -2.5}, Case{"+3", true, 3},
+        Case{".5", true, 0.5}, Case{"7x", true, 7}, Case{"1e3", true, 1000}, Case{"0x10", true, 0},
+        Case{"inf", false, 99}, Case{"-nan", false, 99}, Case{"none", false, 99},
+        Case{"-", false, 99}, Case{"", false, 99}, Case{"1,5", true, 1}}) {
+    double value = 99;
+    EXPECT_EQ(LeadingNumber(each.text, value), each.is) << each.text;
+    EXPECT_EQ(value, each.value) << each.text;
+  }
+}
+
 }  // namespace

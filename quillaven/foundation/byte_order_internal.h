@@ -6,14 +6,19 @@
 #include <bit>
 #include <vector>
 
-/// Numbers between the order of a file and the order of the machine; the same work in both
+/// A number between the order of a file and the order of the machine; the same work in both
 /// directions, and none at all on most machines.
 template <class Number>
-void SwapIfBigEndian(std::vector<Number> &numbers) {
+Number SwappedIfBigEndian(Number number) {
   if constexpr (std::endian::native == std::endian::big && sizeof(Number) > 1) {
-    for (Number &number : numbers) {
-      auto *bytes = reinterpret_cast<unsigned char *>(&number);
-      std::reverse(bytes, bytes + sizeof(Number));
-    }
+    auto *bytes = reinterpret_cast<unsigned char *>(&number);
+    std::reverse(bytes, bytes + sizeof(Number));
   }
+  return number;
+}
+
+template <class Number>
+void SwapIfBigEndian(std::vector<Number> &numbers) {
+  if constexpr (std::endian::native == std::endian::big && sizeof(Number) > 1)
+    for (Number &number : numbers) number = SwappedIfBigEndian(number);
 }

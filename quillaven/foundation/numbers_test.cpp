@@ -1,6 +1,7 @@
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
+#include <limits>
 #include <string>
 #include <vector>
 
@@ -116,6 +117,17 @@ TEST(Truncated, GoesTowardZeroAndHoldsWhatNoIntHolds) {
   EXPECT_EQ(Truncated(-1e300), -2147483647 - 1);
   EXPECT_EQ(Truncated(2147483646.5), 2147483646);
   EXPECT_EQ(Truncated(std::nan("")), -2147483647 - 1);
+}
+
+TEST(NearestFloat, IsInfiniteForWhatNoFloatHolds) {
+  constexpr float kInfinity = std::numeric_limits<float>::infinity();
+  EXPECT_EQ(NearestFloat(1e300), kInfinity);
+  EXPECT_EQ(NearestFloat(-1e300), -kInfinity);
+  EXPECT_EQ(NearestFloat(static_cast<double>(kInfinity)), kInfinity);
+  EXPECT_EQ(NearestFloat(0.1), 0.1F);
+  EXPECT_EQ(NearestFloat(static_cast<double>(std::numeric_limits<float>::max())),
+            std::numeric_limits<float>::max());
+  EXPECT_TRUE(std::isnan(NearestFloat(std::nan(""))));
 }
 
 TEST(LeadingInteger, ReadsWhatATextBeginsWith) {

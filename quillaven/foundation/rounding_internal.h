@@ -14,6 +14,15 @@ inline int Truncated(double value) {
   return static_cast<int>(value);
 }
 
+/// The float next to a number; infinite for one that lies beyond all floats.
+inline float NearestFloat(double value) {
+  constexpr double kHighest = static_cast<double>(std::numeric_limits<float>::max());
+  constexpr float kInfinity = std::numeric_limits<float>::infinity();
+  if (value > kHighest) return kInfinity;
+  if (value < -kHighest) return -kInfinity;
+  return static_cast<float>(value);
+}
+
 /// The integer that a text begins with, behind blanks; 0 if there is none. What no int holds goes
 /// to the nearest end. `end`, if given, becomes where the integer ends, or the text itself without
 /// one.

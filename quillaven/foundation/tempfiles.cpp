@@ -1,5 +1,7 @@
 #include <algorithm>
 #include <memory>
+#include <new>
+#include <string>
 
 #include <quillaven/foundation/tempfiles.h>
 #include <quillaven/platform/directories_internal.h>
@@ -86,11 +88,15 @@ class CRemoteFile {
 }  // namespace
 
 // A name that differs from a file's in case alone does not delete it: SystemPath would find that
-// file as soon as the named one is gone.
+// file as soon as the named one is gone. A name that memory does not suffice for keeps its file, and
+// the others go all the same.
 CTempFiles::~CTempFiles() {
   for (std::string const &name : m_names) {
-    std::string const path = SystemPath(name);
-    if (LastComponent(path) == LastComponent(name)) RemoveFile(path.c_str());
+    try {
+      std::string const path = SystemPath(name);
+      if (LastComponent(path) == LastComponent(name)) RemoveFile(path.c_str());
+    } catch (std::bad_alloc const &) {  // whether a deletion succeeds is not looked at
+    }
   }
 }
 
@@ -99,6 +105,7 @@ void CTempFiles::Add(std::string const &name) {
 }
 
 bool CopyRemoteFileToLocalFile(char const *source, char const *target, bool binary) {
+  if (source == nullptr || target == nullptr) return false;
   CRemoteFile from;
   CStdioFile to;
   if (!from.Open(source, binary)) return false;

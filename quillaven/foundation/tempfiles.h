@@ -28,7 +28,8 @@ class QUILLAVEN_API CTempFiles {
   ~CTempFiles();
 
   /// Adds a name, as it is: a relative one is looked for in the working directory of the time of
-  /// deletion. Only files are deleted, never directories.
+  /// deletion. Only files are deleted, never directories, and where case tells files apart only the
+  /// one of exactly that last component.
   void Add(std::string const &name);
 
  private:
@@ -45,7 +46,7 @@ class QUILLAVEN_API CTempFiles {
 ///   system that takes such a name finds a file there.
 ///
 /// False, with nothing shown, if one of the two files cannot be opened, or the source is no such
-/// URL; the target is not touched unless the source is open. Throws a CInternetException if the
+/// URL, or null stands in place of a name; the target is not touched unless the source is open. Throws a CInternetException if the
 /// server cannot be reached or the transfer breaks off, and a CFileException if the target cannot
 /// be written; what was written by then stays. Moves 4096 bytes a step.
 QUILLAVEN_API bool CopyRemoteFileToLocalFile(char const *source, char const *target, bool binary);

@@ -1,5 +1,6 @@
 #include <filesystem>
 #include <fstream>
+#include <memory>
 #include <string>
 
 #include <gmock/gmock.h>
@@ -10,6 +11,7 @@
 #include <quillaven/platform/ftp.h>
 #include <quillaven/platform/system_paths.h>
 
+#include "tests/support/allocation_count.h"
 #include "tests/support/ftp_ends.h"
 #include "tests/support/open_handles.h"
 #include "tests/support/recording_application.h"
@@ -136,6 +138,25 @@ TEST(TempFiles, FileWhoseNameDiffersInCaseStays) {
   EXPECT_EQ(directory.Has("A.TMP"), caseTellsApart);
 }
 
+TEST(TempFiles, AreDeletedThoughMemoryRunsOutOnTheWay) {
+  TemporaryDirectory directory;
+  std::string const longName(100, 'n');  // more than a string holds without an allocation
+  bool failed = true;
+  for (long n = 1; failed; ++n) {
+    ASSERT_LT(n, 1000);
+    auto files = std::make_unique<CTempFiles>();
+    for (char const *name : {"1", "2", "3"}) files->Add(directory.Write(longName + name, "x"));
+    {
+      FailingAllocation const failing(n);
+      files.reset();
+    }
+    int left = 0;
+    for (char const *name : {"1", "2", "3"}) left += directory.Has(longName + name) ? 1 : 0;
+    EXPECT_LE(left, 1) << "the name that failed and no other";
+    failed = left != 0;
+  }
+}
+
 // Copies over the fake transport tell what is asked of a transport, and when.
 class RemoteFile : public testing::Test {
  protected:
@@ -201,6 +222,30 @@ TEST_F(RemoteFile, SourceThatIsNoUrlGivesFalseAndDoesNotCreateTheTarget) {
   }
   EXPECT_TRUE(transport.calls.empty());
   EXPECT_FALSE(directory.Has("target"));
+}
+
+TEST_F(RemoteFile, NullInPlaceOfANameGivesFalse) {
+  transport.files["/a"] = "1";
+  EXPECT_FALSE(CopyRemoteFileToLocalFile(nullptr, directory.Path("target").c_str(), true));
+  EXPECT_FALSE(CopyRemoteFileToLocalFile("ftp://h/a", nullptr, true));
+  EXPECT_FALSE(CopyRemoteFileToLocalFile(nullptr, nullptr, false));
+  EXPECT_TRUE(transport.calls.empty());
+  EXPECT_FALSE(directory.Has("target"));
+}
+
+// Names find files of another case where there is no such file, so the copy goes to the file that is
+// there; the list takes its names exactly and leaves that file, which is not the copy's own.
+TEST_F(RemoteFile, CopyOverAFileOfAnotherCaseIsNotDeletedByTheNameOfTheCopy) {
+  transport.files["/a"] = "new";
+  directory.Write("a.tmp", "old");
+  bool const caseTellsApart = !directory.Has("A.TMP");
+  {
+    CTempFiles garbage;
+    garbage.Add(directory.Path("A.TMP"));
+    EXPECT_TRUE(CopyRemoteFileToLocalFile("ftp://h/a", directory.Path("A.TMP").c_str(), true));
+    EXPECT_EQ(directory.Read("a.tmp"), "new");
+  }
+  EXPECT_EQ(directory.Has("a.tmp"), caseTellsApart);
 }
 
 TEST_F(RemoteFile, WithoutAnFtpClientGivesFalse) {

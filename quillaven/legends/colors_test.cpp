@@ -110,6 +110,52 @@ TEST(Colors, EveryColourOfALatticeConvertsByTheRules) {
   }
 }
 
+// The way back in the same manner: each formula by itself, in real numbers that are cut where the
+// rules divide, with the hue brought into the turn altogether.
+double NaiveRamp(double m1, double m2, int hue) {
+  int const h = (hue + 504) % 252;
+  if (h < 42) return m1 + std::trunc(((m2 - m1) * h + 21) / 42);
+  if (h < 126) return m2;
+  if (h < 168) return m1 + std::trunc(((m2 - m1) * (168 - h) + 21) / 42);
+  return m1;
+}
+
+unsigned long NaiveRgb(int hue, int lightness, int saturation) {
+  double const l = lightness;
+  double const s = saturation;
+  double red = std::trunc(l * 255 / 252);
+  double green = red;
+  double blue = red;
+  if (saturation != 0) {
+    double const m2 = lightness <= 126 ? std::trunc((l * (252 + s) + 126) / 252)
+                                       : l + s - std::trunc((l * s + 126) / 252);
+    double const m1 = 2 * l - m2;
+    red = std::trunc((NaiveRamp(m1, m2, hue + 84) * 255 + 126) / 252);
+    green = std::trunc((NaiveRamp(m1, m2, hue) * 255 + 126) / 252);
+    blue = std::trunc((NaiveRamp(m1, m2, hue - 84) * 255 + 126) / 252);
+  }
+  return static_cast<unsigned long>(blue * 65536 + green * 256 + red);
+}
+
+TEST(Colors, EveryHueLightnessAndSaturationOfALatticeConvertsBackByTheRules) {
+  for (int hue = 0; hue <= 252; ++hue)
+    for (int lightness = 0; lightness <= 252; lightness += 7)
+      for (int saturation = 0; saturation <= 252; saturation += 9)
+        ASSERT_EQ(ToRgb(hue, lightness, saturation), NaiveRgb(hue, lightness, saturation))
+            << hue << " " << lightness << " " << saturation;
+}
+
+TEST(Colors, HuesOnAndBetweenTheRampsAreTheseColours) {
+  EXPECT_EQ(ToRgb(20, 60, 130), 0x1D3C5CUL);
+  EXPECT_EQ(ToRgb(60, 100, 100), 0x3D8E6BUL);
+  EXPECT_EQ(ToRgb(100, 200, 77), 0xC6DBBAUL);
+  EXPECT_EQ(ToRgb(150, 180, 252), 0xFFAC6DUL);
+  EXPECT_EQ(ToRgb(200, 126, 31), 0x906F88UL);
+  EXPECT_EQ(ToRgb(230, 40, 240), 0x2B024FUL);
+  EXPECT_EQ(ToRgb(251, 251, 251), 0xFDFDFFUL);
+  EXPECT_EQ(ToRgb(10, 127, 1), 0x818181UL);
+}
+
 TEST(Colors, BackAndForthStaysNear) {
   std::mt19937 random(4711);
   for (int i = 0; i < 20000; ++i) {
@@ -129,7 +175,24 @@ TEST(Colors, HighByteOfAColourPlaysNoPart) {
 }
 
 TEST(Colors, ValuesAboveTheScaleKeepTheLowBytesOfTheirChannels) {
-  for (int value : {253, 1000, 65535}) EXPECT_LE(ToRgb(value, value, value), 0xFFFFFFUL);
+  EXPECT_EQ(ToRgb(40, 253, 252), 0x0100FFUL);
+  EXPECT_EQ(ToRgb(40, 300, 100), 0x431F1CUL);
+  EXPECT_EQ(ToRgb(40, 100, 300), 0xEED2DEUL);
+  EXPECT_EQ(ToRgb(40, 1000, 1000), 0xAF593AUL);
+  EXPECT_EQ(ToRgb(1000, 1000, 1000), 0xAFAFAFUL);
+  EXPECT_EQ(ToRgb(0, 65535, 0), 0x0B0B0BUL);
+  EXPECT_EQ(ToRgb(65535, 65535, 65535), 0xC6C651UL);
+}
+
+// One turn is taken off and no more, and what is added to a hue wraps in 16 bits.
+TEST(Colors, HueBeyondTheTurnIsCorrectedOnceIn16Bits) {
+  EXPECT_EQ(ToRgb(253, 126, 252), ToRgb(1, 126, 252));
+  EXPECT_EQ(ToRgb(253, 126, 252), 0x0006FFUL);
+  EXPECT_EQ(ToRgb(300, 126, 252), 0x00FFDBUL);
+  EXPECT_EQ(ToRgb(504, 126, 252), 0x000000UL) << "252 and more are left";
+  EXPECT_EQ(ToRgb(505, 126, 252), 0x000000UL);
+  EXPECT_EQ(ToRgb(65451, 126, 252), 0x000000UL);
+  EXPECT_EQ(ToRgb(65535, 126, 252), 0x0000FFUL) << "84 more are 83";
 }
 
 TEST(CalcEquidistantColors, SixEntriesAreTheSixPureHues) {
@@ -139,12 +202,17 @@ TEST(CalcEquidistantColors, SixEntriesAreTheSixPureHues) {
                                                 0xFF00FF}));
 }
 
+// 252 / 15 as a float lies just below 16.8, and the multiples of it are not rounded to a float again:
+// the 5th and the 10th colour have a hue one below the third and the two thirds of the turn.
 TEST(CalcEquidistantColors, HueIsTheTruncatedMultipleOfAFloatStep) {
-  std::vector<unsigned long> colors(11);
+  std::vector<unsigned long> colors(15);
   CalcEquidistantColors(colors, 200, 100);
-  float const step = 252.0F / 11.0F;
+  int const hues[] = {0, 16, 33, 50, 67, 83, 100, 117, 134, 151, 167, 184, 201, 218, 235};
   for (std::size_t i = 0; i < colors.size(); ++i)
-    EXPECT_EQ(colors[i], ToRgb(static_cast<int>(static_cast<float>(i) * step), 100, 200)) << i;
+    EXPECT_EQ(colors[i], ToRgb(hues[i], 100, 200)) << i;
+  std::vector<unsigned long> more(27);
+  CalcEquidistantColors(more, 200, 100);
+  EXPECT_EQ(more[3], ToRgb(27, 100, 200));
 }
 
 TEST(CalcEquidistantColors, EmptyListStaysEmpty) {

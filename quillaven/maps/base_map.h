@@ -72,9 +72,9 @@ class QUILLAVEN_API CBaseMap {
   virtual int UnderlineItem(int /*item*/) { return 0; }
 
   /// Stores or loads the document, as the archive is made: the stored sizes, then the names and
-  /// colours of the legend items. A name ends at its first zero byte. What the archive throws
-  /// passes, and a map that was being loaded stays partly loaded; a number of items below 0 is
-  /// std::bad_alloc. The cells follow in the typed maps.
+  /// colours of the legend items. A name is stored up to its first zero byte, and loaded with all
+  /// its bytes. What the archive throws passes; sizes and legend items change together, when all of
+  /// them are there. A number of items below 0 is std::bad_alloc. The cells follow in the typed maps.
   virtual void Serialize(CArchive &archive);
 
   /// Colour and name of the legend item of a cell; 0 and an empty text for an item that is none.

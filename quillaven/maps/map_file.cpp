@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <new>
+#include <string>
 #include <vector>
 
 #include <quillaven/foundation/byte_order_internal.h>
@@ -26,31 +27,35 @@ void StoreItems(CBaseMap const &map, CArchive &archive) {
 }
 
 // The number of items rules: arrays that are longer lose the rest, and a file whose arrays are
-// shorter ends too early.
-void LoadItems(CBaseMap &map, CArchive &archive) {
+// shorter ends too early. The map changes only when all items are there, so that its number of
+// items is the size of its two lists whatever the file holds.
+void LoadItems(CBaseMap &map, int count, CArchive &archive) {
   CStringArray names;
   CDWordArray colors;
   names.Serialize(archive);
   colors.Serialize(archive);
-  if (map.m_nLegendItems < 0) throw std::bad_alloc();
-  int const shorter = std::min(names.GetSize(), colors.GetSize());
-  if (map.m_nLegendItems > shorter) throw CArchiveException(CArchiveException::endOfFile);
-  auto const items = static_cast<std::size_t>(map.m_nLegendItems);
-  map.m_LegendNames.resize(items);
-  map.m_LegendColors.resize(items);
-  for (int item = 0; item < map.m_nLegendItems; ++item) {
+  if (count < 0) throw std::bad_alloc();
+  if (count > std::min(names.GetSize(), colors.GetSize()))
+    throw CArchiveException(CArchiveException::endOfFile);
+  std::vector<std::string> ownNames(static_cast<std::size_t>(count));
+  std::vector<unsigned long> ownColors(static_cast<std::size_t>(count));
+  for (int item = 0; item < count; ++item) {
     auto const at = static_cast<std::size_t>(item);
-    map.m_LegendNames[at] = names[item];
-    map.m_LegendColors[at] = colors[item];
+    ownNames[at] = names[item];
+    ownColors[at] = colors[item];
   }
+  map.m_LegendNames.swap(ownNames);
+  map.m_LegendColors.swap(ownColors);
+  map.m_nLegendItems = count;
 }
 
 // Stored sizes may differ from those of the raster; cells off the raster are stored as 0.
 template <class T>
 void StoreCells(CMultiScaleMatrix<T> const *raster, int rows, int cols, CArchive &archive) {
-  std::vector<T> cells(static_cast<std::size_t>(std::max(cols, 0)));
-  int const onRaster = raster == nullptr ? 0 : std::clamp(raster->NCols(), 0, std::max(cols, 0));
-  for (int row = 0; cols > 0 && row < rows; ++row) {
+  if (rows < 1 || cols < 1) return;
+  std::vector<T> cells(static_cast<std::size_t>(cols));
+  int const onRaster = raster == nullptr ? 0 : std::clamp(raster->NCols(), 0, cols);
+  for (int row = 0; row < rows; ++row) {
     if (raster != nullptr && row < raster->NRows()) {
       CRasterAccess::ReadRow(*raster, row, 0, onRaster, cells.data());
       SwapIfBigEndian(cells);
@@ -64,9 +69,10 @@ void StoreCells(CMultiScaleMatrix<T> const *raster, int rows, int cols, CArchive
 // A file that ends early keeps the rows before its end, and the cells of its last row.
 template <class T>
 void LoadCells(CMultiScaleMatrix<T> &raster, CArchive &archive) {
-  std::vector<T> cells(static_cast<std::size_t>(std::max(raster.NCols(), 0)));
+  if (raster.NRows() < 1 || raster.NCols() < 1) return;
+  std::vector<T> cells(static_cast<std::size_t>(raster.NCols()));
   std::size_t const bytes = cells.size() * sizeof(T);
-  for (int row = 0; bytes != 0 && row < raster.NRows(); ++row) {
+  for (int row = 0; row < raster.NRows(); ++row) {
     std::size_t const read = archive.Read(cells.data(), bytes);
     SwapIfBigEndian(cells);
     if (read == bytes) {
@@ -79,14 +85,23 @@ void LoadCells(CMultiScaleMatrix<T> &raster, CArchive &archive) {
   }
 }
 
+// Cells that the rest of the file has room for. A file that only reads, as a pipe does, cannot tell
+// its length, and counts as one with room for none.
 template <class T>
-void LoadRaster(CMultiScaleMatrix<T> &raster, int rows, int cols, CArchive &archive) {
-  if (!AreCellsBelievable(rows, cols, archive.BytesLeft() / sizeof(T))) {
-    raster.Redim(0, 0, DefaultFineResolution());
-    throw CArchiveException(CArchiveException::endOfFile);
+std::uint64_t RoomForCells(CArchive &archive) {
+  try {
+    return archive.BytesLeft() / sizeof(T);
+  } catch (CFileException const &) {
+    return 0;
   }
-  raster.Redim(rows, cols, DefaultFineResolution());
-  LoadCells(raster, archive);
+}
+
+// A map without cells, which agrees with its raster and can be used on.
+template <class T>
+void EmptyMap(CBaseMap &map, CMultiScaleMatrix<T> *raster) {
+  map.m_nRows = 0;
+  map.m_nCols = 0;
+  if (raster != nullptr) raster->Redim(0, 0, DefaultFineResolution());
 }
 
 }  // namespace
@@ -96,8 +111,13 @@ void CBaseMap::Serialize(CArchive &archive) {
     archive << m_nRows << m_nCols << m_nLegendItems;
     StoreItems(*this, archive);
   } else {
-    archive >> m_nRows >> m_nCols >> m_nLegendItems;
-    LoadItems(*this, archive);
+    int rows = 0;
+    int cols = 0;
+    int items = 0;
+    archive >> rows >> cols >> items;
+    LoadItems(*this, items, archive);
+    m_nRows = rows;
+    m_nCols = cols;
   }
 }
 
@@ -110,9 +130,15 @@ void CMatrixBaseMap<T>::Serialize(CArchive &archive) {
   }
   try {
     CBaseMap::Serialize(archive);
-    if (m_pMatrix != nullptr) LoadRaster(*m_pMatrix, m_nRows, m_nCols, archive);
+    if (!AreCellsBelievable(m_nRows, m_nCols, [&] { return RoomForCells<T>(archive); })) {
+      EmptyMap(*this, m_pMatrix);
+      throw CArchiveException(CArchiveException::endOfFile);
+    }
+    if (m_pMatrix == nullptr) return;
+    m_pMatrix->Redim(m_nRows, m_nCols, DefaultFineResolution());
+    LoadCells(*m_pMatrix, archive);
   } catch (std::bad_alloc const &) {
-    if (m_pMatrix != nullptr) m_pMatrix->Redim(0, 0, DefaultFineResolution());
+    EmptyMap(*this, m_pMatrix);
     throw;
   }
 }

@@ -151,6 +151,15 @@ TEST_F(MapFile, NameIsCutAtItsFirstZeroByte) {
   EXPECT_EQ(StoreAsItIs(floatMap).substr(14, 3), Bytes(2, 'a', 'b'));
 }
 
+// Only storing cuts a name: what a file of another maker holds is kept until then.
+TEST_F(MapFile, NameThatIsLoadedWithAZeroByteKeepsItUntilItIsStored) {
+  std::string const file = Number(0) + Number(0) + Number(1) + Bytes(1, 0, 4, 'a', 'b', 0, 'd') +
+                           Bytes(1, 0) + Number(7);
+  Load(floatMap, file);
+  EXPECT_EQ(floatMap.GetLegendItemName(0), std::string("ab\0d", 4));
+  EXPECT_EQ(Store(floatMap).substr(14, 5), Bytes(2, 'a', 'b', 1, 0));
+}
+
 TEST_F(MapFile, LegendOf65535ItemsComesBack) {
   floats.Redim(0, 0, 1);
   for (int item = 0; item < 65535; ++item)
@@ -302,15 +311,66 @@ TEST_F(MapFile, ThatAsksForMoreCellsThanItHoldsLeavesAnEmptyUsableRaster) {
     EXPECT_EQ(CauseOfLoading(floatMap, Head(rows, cols)), CArchiveException::endOfFile);
     EXPECT_EQ(floats.NRows(), 0);
     EXPECT_EQ(floats.NCols(), 0);
+    EXPECT_EQ(floatMap.OnMap(0, 0), 0);
+    EXPECT_EQ(Store(floatMap), Head(0, 0));
     floats.Redim(2, 2, 1);
     floats.At(1, 1) = 4;
     EXPECT_EQ(floats.At(1, 1), 4.0F);
   }
 }
 
+TEST_F(MapFile, WithoutARasterIsNotBelievedEither) {
+  constexpr std::int32_t kMost = std::numeric_limits<std::int32_t>::max();
+  CByteMatrixBaseMap map;
+  EXPECT_EQ(CauseOfLoading(map, Head(kMost, kMost)), CArchiveException::endOfFile);
+  EXPECT_EQ(Store(map), Head(0, 0));
+}
+
+TEST_F(MapFile, OfNoRowsMayHaveAnyNumberOfColumns) {
+  constexpr std::int32_t kMost = std::numeric_limits<std::int32_t>::max();
+  for (std::int32_t const cols : {100000000, kMost}) {
+    for (int const width : {1, 2}) {
+      SCOPED_TRACE(cols);
+      DefaultFineResolution(width);
+      Load(floatMap, Head(0, cols));
+      EXPECT_EQ(floats.NRows(), 0);
+      EXPECT_EQ(floats.NCols(), cols);
+      EXPECT_EQ(Store(floatMap), Head(0, cols));
+    }
+  }
+}
+
+// Of such a file nothing is asked but its bytes.
+TEST_F(MapFile, ThatOnlyReadsIsLoadedAsAnyOther) {
+  floatMap.AddLegendItem(std::string(300, 'x'), 1);
+  floats.Redim(50, 60, 1);
+  AssignMultiScaleFloatMatrix(floats, 2.5F);
+  MemoryFile file(StoreAsItIs(floatMap));
+  file.onlyReads = true;
+  file.most = 1000;
+  floats.Redim(1, 1, 1);
+  floatMap.ClearLegend();
+  CArchive archive(&file, CArchive::load);
+  floatMap.Serialize(archive);
+  EXPECT_EQ(floats.NRows(), 50);
+  EXPECT_EQ(floats.At(49, 59), 2.5F);
+  EXPECT_EQ(floatMap.GetLegendItemCount(), 1);
+}
+
+// It cannot tell its length, so that nothing speaks for a shape that takes all memory.
+TEST_F(MapFile, ThatOnlyReadsIsNotBelievedToHoldVeryManyCells) {
+  MemoryFile file(Head(100000, 100000));
+  file.onlyReads = true;
+  CArchive archive(&file, CArchive::load);
+  EXPECT_THROW(floatMap.Serialize(archive), CArchiveException);
+  EXPECT_EQ(floats.NRows(), 0);
+  EXPECT_EQ(floatMap.OnMap(0, 0), 0);
+}
+
 TEST_F(MapFile, NegativeSizesGiveARasterWithoutCells) {
   Load(floatMap, Head(-3, 7));
   EXPECT_EQ(floats.NRows(), -3);
+  EXPECT_EQ(Store(floatMap), Head(-3, 7));
   float value = 0;
   EXPECT_FALSE(floats.GetSave(0, 0, value));
 }
@@ -320,6 +380,79 @@ TEST_F(MapFile, NegativeItemCountIsAnAllocationThatFailsAndEmptiesTheRaster) {
   EXPECT_THROW(Load(floatMap, Number(2) + Number(2) + Number(-1) + Bytes(0, 0, 0, 0)),
                std::bad_alloc);
   EXPECT_EQ(floats.NRows(), 0);
+  EXPECT_EQ(floatMap.GetLegendItemCount(), 0);
+}
+
+// Whatever a load ends in, the number of items is the size of both lists, the sizes are those of the
+// raster, and the map can be edited, stored and loaded on.
+void ExpectUsable(CFloatMatrixBaseMap &map, CMultiScaleFloatMatrix const &raster) {
+  int const items = map.GetLegendItemCount();
+  ASSERT_EQ(map.m_LegendNames.size(), static_cast<std::size_t>(items));
+  ASSERT_EQ(map.m_LegendColors.size(), static_cast<std::size_t>(items));
+  EXPECT_EQ(map.m_nRows, raster.NRows());
+  EXPECT_EQ(map.m_nCols, raster.NCols());
+  map.AddLegendItem("added", 77);
+  EXPECT_EQ(map.GetLegendItemName(items), "added");
+  EXPECT_EQ(map.GetLegendItemColor(items), 77UL);
+  std::string const stored = Store(map);
+  Load(map, stored);
+  EXPECT_EQ(map.GetLegendItemCount(), items + 1);
+  EXPECT_TRUE(Store(map) == stored);
+}
+
+TEST_F(MapFile, FailedLoadLeavesAMapThatCanBeUsedOn) {
+  constexpr std::int32_t kMost = std::numeric_limits<std::int32_t>::max();
+  std::vector<std::string> files;
+  for (std::size_t size = 0; size < kFloatOnes.size(); ++size)
+    files.push_back(kFloatOnes.substr(0, size));
+  std::string const noItems = Bytes(0, 0, 0, 0);
+  for (std::int32_t const items : {kMost, 1, -1, std::numeric_limits<std::int32_t>::min()})
+    files.push_back(Number(2) + Number(2) + Number(items) + noItems);
+  for (auto const &[rows, cols] : {std::pair{kMost, kMost}, {kMost, 1}, {kMost, 0}, {1, kMost}}) {
+    files.push_back(Head(rows, cols));
+    files.push_back(Number(rows) + Number(cols) + Number(5) + noItems);
+  }
+  for (std::string const &file : files) {
+    SCOPED_TRACE(testing::PrintToString(file));
+    floatMap.ClearLegend();
+    floatMap.AddLegendItem("before", 1);
+    floats.Redim(3, 3, 1);
+    AssignMultiScaleFloatMatrix(floats, 9);
+    floatMap.m_nRows = 3;
+    floatMap.m_nCols = 3;
+    try {
+      Load(floatMap, file);
+      FAIL() << "nothing was thrown";
+    } catch (CArchiveException const &) {
+    } catch (std::bad_alloc const &) {
+    }
+    ExpectUsable(floatMap, floats);
+  }
+}
+
+TEST_F(MapFile, LoadThatRunsOutOfMemoryAnywhereLeavesAMapThatCanBeUsedOn) {
+  std::string const file = Number(2) + Number(2) + Number(2) + Bytes(2, 0, 40) +
+                           std::string(40, 'x') + Bytes(1, 'b', 2, 0) + Number(1) + Number(2) +
+                           std::string(16, '\0');
+  DefaultFineResolution(2);
+  bool failed = true;
+  for (long n = 1; failed; ++n) {
+    SCOPED_TRACE(n);
+    CMultiScaleFloatMatrix raster;
+    CFloatMatrixBaseMap map;
+    map.Attach("a", "A", &raster, nullptr, false);
+    map.ClearLegend();
+    MemoryFile source(file);
+    CArchive archive(&source, CArchive::load);
+    failed = false;
+    try {
+      FailingAllocation const failing(n);
+      map.Serialize(archive);
+    } catch (std::bad_alloc const &) {
+      failed = true;
+    }
+    ExpectUsable(map, raster);
+  }
 }
 
 TEST_F(MapFile, WithoutARasterStoresZeroesAndLoadsTheLegendAlone) {
@@ -358,6 +491,34 @@ TEST_F(MapFile, WhoseDiskRunsFullEndsInDiskFullAndItsMessage) {
     EXPECT_EQ(file.content.size(), room);
     ASSERT_EQ(application.boxes.size(), 1U);
     EXPECT_EQ(application.boxes[0].helpId, 61730U);
+  }
+}
+
+// The fault comes out as it is from within the sizes, the legend and the cells.
+TEST_F(MapFile, WhoseDeviceFailsWhileItIsReadEndsInItsFaultAndItsMessage) {
+  class Reporting : public CFloatMatrixBaseMap {
+   public:
+    void Report(CException *exception) { ReportSaveLoadException("a.qmp", exception, 0, 0); }
+  };
+  CMultiScaleFloatMatrix raster;
+  Reporting map;
+  map.Attach("a", "A", &raster, nullptr, false);
+  for (std::size_t const sound : {0U, 6U, 15U, 20U, 22U, 30U, 37U}) {
+    SCOPED_TRACE(sound);
+    application.boxes.clear();
+    MemoryFile file(kFloatOnes);
+    file.failsAt = sound;
+    CArchive archive(&file, CArchive::load);
+    try {
+      map.Serialize(archive);
+      FAIL() << "nothing was thrown";
+    } catch (CFileException &reason) {
+      EXPECT_EQ(reason.m_cause, CFileException::hardIO);
+      map.Report(&reason);
+    }
+    ASSERT_EQ(application.boxes.size(), 1U);
+    EXPECT_EQ(application.boxes[0].helpId, 61733U);
+    ExpectUsable(map, raster);
   }
 }
 
@@ -402,7 +563,8 @@ bool RoundTrip(CMatrixBaseMap<T> &map, CMultiScaleMatrix<T> &raster, std::mt1993
   CMultiScaleByteMatrix pattern;
   pattern.Redim(rows, cols, width);
   for (int i = 0; i < 10; ++i)
-    pattern.FineCell(static_cast<int>(random()) % rows, static_cast<int>(random()) % cols, true);
+    pattern.FineCell(static_cast<int>(random() % static_cast<unsigned>(rows)),
+                     static_cast<int>(random() % static_cast<unsigned>(cols)), true);
   DefaultFineResolution(width);
   DefaultResolutionMap(&pattern);
   raster.Redim(rows, cols, width);
@@ -414,6 +576,7 @@ bool RoundTrip(CMatrixBaseMap<T> &map, CMultiScaleMatrix<T> &raster, std::mt1993
   map.m_nCols = cols;
   std::string const stored = Store(map);
   Load(map, stored);
+  DefaultResolutionMap(nullptr);
   for (int row = 0; row < rows; ++row)
     for (int col = 0; col < cols; ++col)
       if (raster.At(row, col) != before.At(row, col)) return false;

@@ -70,7 +70,8 @@ class CMatrixBaseMap : public CBaseMap {
   /// must be the raster's. Loading redimensions the raster with the default resolution; a coarse
   /// block keeps the last of its cells. The no-data value, the legend rule and the modified word
   /// stay as they are. What the archive throws passes; sizes that the file cannot hold end in
-  /// endOfFile or std::bad_alloc, with an empty raster. Costs one pass over the cells.
+  /// endOfFile or std::bad_alloc, with an empty raster and sizes of 0. More than 67108864 cells come
+  /// only from a file that can tell its length. Costs one pass over the cells.
   void Serialize(CArchive &archive) override;
 
   /// Reads and writes a raster file by format number: 0 an Idrisi pair, 1 an ASCII grid. Non-zero

@@ -35,8 +35,14 @@ std::size_t CArchive::Read(void *bytes, std::size_t count) {
   std::size_t done = 0;
   while (done < count) {
     if (m_nFirst == m_nEnd) {
-      // What fills the buffer anyway goes straight to its place.
-      if (count - done >= m_Buffer.size()) return done + m_pFile->Read(to + done, count - done);
+      // What fills the buffer anyway goes straight to its place. Only a read of nothing is the end:
+      // a file on its way from elsewhere may give less than was asked for, or fail the next time.
+      if (count - done >= m_Buffer.size()) {
+        std::size_t const got = m_pFile->Read(to + done, count - done);
+        if (got == 0) break;
+        done += got;
+        continue;
+      }
       m_nFirst = 0;
       m_nEnd = 0;
       m_nEnd = m_pFile->Read(m_Buffer.data(), m_Buffer.size());

@@ -264,4 +264,29 @@ TEST(GrowingArray, HasThePlacesThatItHas) {
   EXPECT_EQ(array.GetSize(), 0);
 }
 
+TEST(Archive, TakesOnAFileThatGivesLessThanWasAskedFor) {
+  std::string bytes(1000, '\0');
+  for (std::size_t i = 0; i < bytes.size(); ++i) bytes[i] = static_cast<char>(i % 251);
+  for (std::size_t const bufferSize : {std::size_t{16}, std::size_t{64}, std::size_t{65536}}) {
+    SCOPED_TRACE(bufferSize);
+    MemoryFile file(bytes);
+    file.most = 7;
+    CArchive archive(&file, CArchive::load, bufferSize);
+    std::string read(2000, '\0');
+    std::size_t const got = archive.Read(read.data(), read.size());
+    EXPECT_TRUE(read.substr(0, got) == bytes);
+  }
+}
+
+TEST(Archive, FaultOfItsFileIsNoEndOfTheFile) {
+  for (std::size_t const bufferSize : {std::size_t{16}, std::size_t{65536}}) {
+    SCOPED_TRACE(bufferSize);
+    MemoryFile file(std::string(1000, 'x'));
+    file.failsAt = 500;
+    CArchive archive(&file, CArchive::load, bufferSize);
+    std::string read(1000, '\0');
+    EXPECT_THROW(archive.Read(read.data(), read.size()), CFileException);
+  }
+}
+
 }  // namespace

@@ -1,4 +1,5 @@
 #include <cerrno>
+#include <utility>
 
 #include <quillaven/platform/file_stream_internal.h>
 #include <quillaven/platform/files.h>
@@ -40,6 +41,13 @@ char const *ModeOfFlags(unsigned int flags) {
   return writes ? "r+b" : "rb";
 }
 
+// Stays where it is, which is what a C stream wants between reading and writing. A file without
+// places, such as a pipe, wants nothing.
+void TurnAround(std::FILE *stream) {
+  if (SeekStream(stream, 0, SEEK_CUR) != 0 && errno != ESPIPE)
+    throw CFileException(CauseOfErrno(errno));
+}
+
 }  // namespace
 
 CFile::CFile(char const *name, unsigned int flags) {
@@ -52,7 +60,13 @@ CFile::~CFile() {
 }
 
 bool CFile::OpenStream(char const *name, unsigned int flags, bool text, CFileException *error) {
-  if (m_pStream != nullptr) Close();
+  try {
+    if (m_pStream != nullptr) Close();
+  } catch (CFileException const &reason) {
+    if (error != nullptr) error->m_cause = reason.m_cause;
+    return false;
+  }
+  m_nLast = Last::neither;
   m_pStream = OpenFileStream(SystemPath(name).c_str(), ModeOfFlags(flags), text);
   if (m_pStream == nullptr && error != nullptr) error->m_cause = CauseOfErrno(errno);
   return m_pStream != nullptr;
@@ -66,6 +80,7 @@ bool CFile::Open(char const *name, unsigned int flags, CFileException *error) {
 
 std::size_t CFile::Read(void *buffer, std::size_t count) {
   if (m_pStream == nullptr || count == 0) return 0;
+  if (std::exchange(m_nLast, Last::read) == Last::write) TurnAround(m_pStream);
   std::size_t const got = std::fread(buffer, 1, count, m_pStream);
   if (got < count && std::ferror(m_pStream) != 0) throw CFileException(CauseOfErrno(errno));
   return got;
@@ -73,6 +88,7 @@ std::size_t CFile::Read(void *buffer, std::size_t count) {
 
 void CFile::Write(void const *buffer, std::size_t count) {
   if (m_pStream == nullptr) throw CFileException(CFileException::invalidFile);
+  if (std::exchange(m_nLast, Last::write) == Last::read) TurnAround(m_pStream);
   if (count != 0 && std::fwrite(buffer, 1, count, m_pStream) != count)
     throw CFileException(CauseOfErrno(errno));
 }

@@ -38,9 +38,9 @@ class QUILLAVEN_API CFile {
   CFile(CFile const &) = delete;
   CFile &operator=(CFile const &) = delete;
 
-  /// Opens a file, and closes one that was open. False on failure, with the cause in `error` where
-  /// that is given: fileNotFound, accessDenied (a directory too), tooManyOpenFiles, diskFull,
-  /// hardIO, and genericException for the rest.
+  /// Opens a file, and closes one that was open, whose failure to close is one to open. False on
+  /// failure, with the cause in `error` where that is given: fileNotFound, accessDenied (a directory
+  /// too), tooManyOpenFiles, diskFull, hardIO, and genericException for the rest.
   virtual bool Open(char const *name, unsigned int flags, CFileException *error = nullptr);
 
   /// Reads up to `count` bytes and returns how many; fewer only at the end of the file. Throws a
@@ -63,6 +63,11 @@ class QUILLAVEN_API CFile {
   bool OpenStream(char const *name, unsigned int flags, bool text, CFileException *error);
 
   std::FILE *m_pStream = nullptr;
+
+ private:
+  // A C stream takes a read behind a write, and the other way round, only with a seek between.
+  enum class Last : unsigned char { neither, read, write };
+  Last m_nLast = Last::neither;
 };
 
 /// A file under a buffered C stream. `m_pStream` may be handed to fscanf and its like: they share

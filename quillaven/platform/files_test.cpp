@@ -1,10 +1,11 @@
 #include <cstdio>
 #include <string>
-#include <tests/support/temporary_directory.h>
 
 #include <gtest/gtest.h>
 
 #include <quillaven/platform/files.h>
+
+#include "tests/support/temporary_directory.h"
 
 namespace {
 
@@ -56,6 +57,27 @@ TEST(File, OpenedForBothReadsWhatItWrote) {
   EXPECT_EQ(file.Seek(2, CFile::current), 3);
   EXPECT_EQ(file.GetLength(), 6);
   EXPECT_EQ(ReadAll(file), "def");
+}
+
+// Writing behind reading goes on where reading ended, and the other way round, without a seek.
+TEST(File, OpenedForBothTurnsFromReadingToWritingAndBack) {
+  TemporaryDirectory directory;
+  for (bool const buffered : {false, true}) {
+    SCOPED_TRACE(buffered);
+    std::string const path = directory.Write("a.bin", "abcdefgh");
+    CFile raw;
+    CStdioFile stream;
+    CFile &file = buffered ? stream : raw;
+    ASSERT_TRUE(file.Open(path.c_str(), CFile::modeReadWrite | CFile::typeBinary));
+    char bytes[3] = {};
+    EXPECT_EQ(file.Read(bytes, 2), 2U);
+    file.Write("XY", 2);
+    EXPECT_EQ(file.Read(bytes, 2), 2U);
+    EXPECT_STREQ(bytes, "ef");
+    file.Write("Z", 1);
+    file.Close();
+    EXPECT_EQ(directory.Read("a.bin"), "abXYefZh");
+  }
 }
 
 TEST(File, OpeningTellsTheCauseOfFailure) {
@@ -123,6 +145,18 @@ TEST(File, OnAFullDeviceThrowsDiskFull) {
     EXPECT_EQ(reason.m_cause, CFileException::diskFull);
   }
   file.Close();  // closed all the same
+}
+
+TEST(File, ThatCannotBeClosedWholeFailsToOpenAnotherAndTellsWhy) {
+  TemporaryDirectory directory;
+  std::string const other = directory.Write("a", "abc");
+  CStdioFile file("/dev/full", CFile::modeWrite | CFile::typeBinary);
+  file.Write("x", 1);  // stays in the buffer
+  CFileException reason;
+  EXPECT_FALSE(file.Open(other.c_str(), CFile::modeRead, &reason));
+  EXPECT_EQ(reason.m_cause, CFileException::diskFull);
+  EXPECT_EQ(file.m_pStream, nullptr);
+  EXPECT_TRUE(file.Open(other.c_str(), CFile::modeRead));
 }
 #endif
 

@@ -27,14 +27,17 @@ class QUILLAVEN_API CFtpConnection {
   virtual ~CFtpConnection();
 
   /// Opens a file of the server for reading; null if the server does not give it out, because it is
-  /// missing, a directory or not for everybody. Throws a CInternetException if the connection fails.
+  /// missing, a directory, in use or not for everybody. Throws a CInternetException if the
+  /// connection fails.
   ///
   /// `object` is the name as the server is to see it, "/maps/a.asc". Of a binary file the bytes
-  /// arrive as they are; of a text (ASCII mode) each CR LF arrives as LF, on every machine.
+  /// arrive as they are; of a text (ASCII mode) each CR LF arrives as LF, on every machine, and a CR
+  /// alone as itself.
   ///
   /// The file is for reading from its begin to its end: of its operations Read and Close do their
   /// work, and Read throws a CInternetException where the transfer breaks off. One file is open at a
-  /// time, and it is destroyed before its connection.
+  /// time: to open another gives up the one before, whose next Read throws. A file is destroyed before
+  /// its connection.
   virtual std::unique_ptr<CFile> OpenFile(char const *object, bool binary) = 0;
 };
 

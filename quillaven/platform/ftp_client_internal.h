@@ -11,5 +11,9 @@
 /// Whether the library was built with a client.
 bool HasFtpClient();
 
+/// How long a server may say nothing before it counts as one that is not there.
+inline constexpr long kFtpSilenceSeconds = 60;
+
 /// As CFtpTransport::Connect.
-std::unique_ptr<CFtpConnection> ConnectToFtpServer(char const *server, unsigned short port);
+std::unique_ptr<CFtpConnection> ConnectToFtpServer(char const *server, unsigned short port,
+                                                   long silenceSeconds = kFtpSilenceSeconds);

@@ -91,8 +91,19 @@ TEST_P(FtpContract, BinaryFileKeepsItsLineEnds) {
 TEST_P(FtpContract, TextArrivesWithLineFeeds) {
   Serve("lf.txt", "x\ny\n");
   Serve("crlf.txt", "x\r\ny\r\n");
+  Serve("cr.txt", "x\ry\r\r\nz\r");
+  EXPECT_EQ(Fetch("/cr.txt", false), "x\ry\r\nz\r") << "a CR alone is no line end";
   EXPECT_EQ(Fetch("/lf.txt", false), "x\ny\n");
   EXPECT_EQ(Fetch("/crlf.txt", false), "x\ny\n");
+}
+
+TEST_P(FtpContract, TextAndBinaryFilesTakeTurnsOverOneConnection) {
+  Serve("a", "x\r\ny\n");
+  auto const connection = Transport().Connect(kHost);
+  for (int turn = 0; turn < 2; ++turn) {
+    EXPECT_EQ(ReadAll(*connection->OpenFile("/a", false)), "x\ny\n");
+    EXPECT_EQ(ReadAll(*connection->OpenFile("/a", true)), "x\r\ny\n");
+  }
 }
 
 TEST_P(FtpContract, LongTextOfBothLineEndsArrivesWithLineFeeds) {
@@ -101,8 +112,9 @@ TEST_P(FtpContract, LongTextOfBothLineEndsArrivesWithLineFeeds) {
   std::string expected;
   for (int line = 0; line < 20000; ++line) {
     std::string const text(random() % 30, 'a');
-    served += text + (random() % 2 == 0 ? "\r\n" : "\n");
-    expected += text + "\n";
+    std::string const inside = random() % 5 == 0 ? "\ra" : "";
+    served += text + inside + (random() % 2 == 0 ? "\r\n" : "\n");
+    expected += text + inside + "\n";
   }
   Serve("long.txt", served);
   EXPECT_TRUE(Fetch("/long.txt", false) == expected);
@@ -138,6 +150,70 @@ TEST_P(FtpContract, NameWithALineEndReachesNoServer) {
   Serve("a", "1");
   EXPECT_FALSE(Gives("/a\r\nDELE /a"));
   EXPECT_TRUE(Gives("/a"));
+}
+
+// 425, 450 and 451 say that it does not work now, 550 and 553 that it never will: neither is a fault
+// of the connection, which goes on.
+TEST_P(FtpContract, FileThatTheServerRefusesIsNoFile) {
+  Serve("a", "1");
+  auto const connection = Transport().Connect(kHost);
+  for (char const *number : {"425", "450", "451", "550", "553"}) {
+    SCOPED_TRACE(number);
+    Serve(std::string("answers-") + number, "1");
+    EXPECT_EQ(connection->OpenFile((std::string("/answers-") + number).c_str(), true), nullptr);
+    EXPECT_EQ(ReadAll(*connection->OpenFile("/a", true)), "1");
+  }
+}
+
+TEST_P(FtpContract, ReadGivesAsManyBytesAsWereAskedForUpToTheEnd) {
+  std::string const bytes = RandomBytes(6, 3000000);
+  Serve("large", bytes);
+  auto const connection = Transport().Connect(kHost);
+  auto const file = connection->OpenFile("/large", true);
+  std::string read(bytes.size() + 1, '\0');
+  EXPECT_EQ(file->Read(read.data(), 1000000), 1000000U);
+  EXPECT_EQ(file->Read(read.data() + 1000000, 0), 0U);
+  EXPECT_EQ(file->Read(read.data() + 1000000, 2000001), 2000000U);
+  EXPECT_TRUE(read.substr(0, bytes.size()) == bytes);
+  EXPECT_EQ(file->Read(read.data(), 1), 0U);
+}
+
+// The new file is open before the old one dies, as an assignment has it.
+TEST_P(FtpContract, FileThatDiesBehindItsSuccessorLeavesItWhole) {
+  std::string const one = RandomBytes(7, 3000000);
+  std::string const two = RandomBytes(8, 3000000);
+  Serve("one", one);
+  Serve("two", two);
+  auto const connection = Transport().Connect(kHost);
+  auto file = connection->OpenFile("/one", true);
+  char byte = 0;
+  EXPECT_EQ(file->Read(&byte, 1), 1U);
+  file = connection->OpenFile("/two", true);
+  EXPECT_TRUE(ReadAll(*file) == two);
+
+  auto other = connection->OpenFile("/one", true);
+  file->Close();
+  EXPECT_TRUE(ReadAll(*other) == one);
+}
+
+TEST_P(FtpContract, FileThatWasGivenUpForAnotherThrowsAndIsNotTakenForWhole) {
+  Serve("one", std::string(3000000, '1'));
+  Serve("two", "2");
+  auto const connection = Transport().Connect(kHost);
+  auto const one = connection->OpenFile("/one", true);
+  char byte = 0;
+  EXPECT_EQ(one->Read(&byte, 1), 1U);
+  auto const two = connection->OpenFile("/two", true);
+  EXPECT_EQ(ErrorOf([&] { one->Read(&byte, 1); }), CInternetException::connectionAborted);
+  EXPECT_EQ(ReadAll(*two), "2");
+}
+
+TEST_P(FtpContract, ServerThatGoesDownIsToldWhenTheNextFileIsOpened) {
+  Serve("a", "1");
+  auto const connection = Transport().Connect(kHost);
+  EXPECT_EQ(ReadAll(*connection->OpenFile("/a", true)), "1");
+  GoDown();
+  EXPECT_NE(ErrorOf([&] { connection->OpenFile("/a", true); }), 0U);
 }
 
 TEST_P(FtpContract, ServerThatIsNotThereCannotBeConnected) {
@@ -230,6 +306,27 @@ TEST(FtpClient, IsAnonymousAndActive) {
   EXPECT_THAT(log, testing::ContainsRegex("EPRT|PORT"));
   EXPECT_THAT(log, Not(testing::ContainsRegex("EPSV|PASV")));
   EXPECT_EQ(log.find("USER"), log.rfind("USER")) << "one login serves the whole connection";
+}
+
+TEST(FtpClient, GivesUpOnAServerThatIsSilent) {
+  if (!HasFtpClient()) GTEST_SKIP() << "the library was built without libcurl";
+  if (!FtpServer::IsInstalled()) GTEST_SKIP() << "python3-pyftpdlib is not installed";
+  FtpServer const server(FtpServer::silent);
+  EXPECT_EQ(ErrorOf([&server] { ConnectToFtpServer(kHost, server.Port(), 1); }),
+            CInternetException::timeout);
+}
+
+TEST(FtpClient, GivesUpOnATransferThatStandsStillBehindWhatHadArrived) {
+  if (!HasFtpClient()) GTEST_SKIP() << "the library was built without libcurl";
+  if (!FtpServer::IsInstalled()) GTEST_SKIP() << "python3-pyftpdlib is not installed";
+  FtpServer server(FtpServer::anonymous);
+  server.directory.Write("silent", std::string(100000, 's'));
+  auto const connection = ConnectToFtpServer(kHost, server.Port(), 2);
+  auto const file = connection->OpenFile("/silent", true);
+  ASSERT_NE(file, nullptr);
+  std::string bytes(100000, '\0');
+  EXPECT_EQ(file->Read(bytes.data(), bytes.size()), 5000U);
+  EXPECT_EQ(ErrorOf([&] { file->Read(bytes.data(), 1); }), CInternetException::timeout);
 }
 
 }  // namespace

@@ -20,6 +20,7 @@ class FakeFtpTransport : public CFtpTransport {
   std::unique_ptr<CFtpConnection> Connect(char const *server) override;
 
   std::map<std::string, std::string> files;  // by object; "/breaks-off" does after 5000 bytes
+  unsigned int transfers = 0;                // so many were begun
   bool isUp = true;
   bool letsAnonymousIn = true;
   bool hasClient = true;
@@ -29,14 +30,19 @@ class FakeFtpTransport : public CFtpTransport {
 class FakeFtpFile : public MemoryFile {
  public:
   FakeFtpFile(FakeFtpTransport &transport, std::string bytes, bool breaksOff)
-      : MemoryFile(std::move(bytes)), m_transport(transport), m_breaksOff(breaksOff) {}
+      : MemoryFile(std::move(bytes)),
+        m_transport(transport),
+        m_breaksOff(breaksOff),
+        m_transfer(++transport.transfers) {}
   ~FakeFtpFile() override { m_transport.calls.push_back("file gone"); }
 
   std::size_t Read(void *buffer, std::size_t count) override {
     if (m_closed) return 0;
     m_transport.calls.push_back("read " + std::to_string(count));
-    std::size_t const got = MemoryFile::Read(buffer, count);
-    if (got == 0 && m_breaksOff) throw CInternetException(CInternetException::connectionAborted);
+    bool const givenUp = m_transfer != m_transport.transfers;  // another was opened since
+    std::size_t const got = givenUp ? 0 : MemoryFile::Read(buffer, count);
+    if (got == 0 && (m_breaksOff || givenUp))
+      throw CInternetException(CInternetException::connectionAborted);
     return got;
   }
   void Write(void const * /*buffer*/, std::size_t /*count*/) override {
@@ -50,6 +56,7 @@ class FakeFtpFile : public MemoryFile {
  private:
   FakeFtpTransport &m_transport;
   bool m_breaksOff;
+  unsigned int m_transfer;
   bool m_closed = false;
 };
 
@@ -60,8 +67,10 @@ class FakeFtpConnection : public CFtpConnection {
 
   std::unique_ptr<CFile> OpenFile(char const *object, bool binary) override {
     m_transport.calls.push_back("open " + std::string(object) + (binary ? " binary" : " text"));
+    if (!m_transport.isUp) throw CInternetException(CInternetException::cannotConnect);
     auto const found = m_transport.files.find(object);
     if (found == m_transport.files.end()) return nullptr;
+    if (found->first.starts_with("/answers-")) return nullptr;
     std::string bytes = found->second;
     for (std::size_t at = 0; !binary && (at = bytes.find("\r\n", at)) != std::string::npos; ++at)
       bytes.erase(at, 1);

@@ -24,7 +24,7 @@
 
 class FtpServer {
  public:
-  enum Users { anonymous, nobody };
+  enum Users { anonymous, nobody, silent };
 
   static bool IsInstalled() {
     return std::system("/usr/bin/python3 -W ignore -c 'import pyftpdlib' 2>/dev/null") == 0;
@@ -34,7 +34,7 @@ class FtpServer {
     std::string const script = QUILLAVEN_SOURCE_DIR "/tests/support/ftp_server.py";
     std::string command = "exec /usr/bin/python3 -W ignore";
     for (std::string const &argument : {script, directory.Path(), m_notes.Path("port"),
-                                        m_notes.Path("log"), std::string(users ? "no" : "yes")})
+                                        m_notes.Path("log"), std::string(Word(users))})
       command += " '" + argument + "'";
     m_input = popen((command + " 2>'" + m_notes.Path("errors") + "'").c_str(), "w");
     for (int tenths = 0; tenths < 300 && !m_notes.Has("port"); ++tenths)
@@ -58,6 +58,10 @@ class FtpServer {
   TemporaryDirectory directory;  // what is served
 
  private:
+  static char const *Word(Users users) {
+    return users == anonymous ? "yes" : users == nobody ? "no" : "silent";
+  }
+
   TemporaryDirectory m_notes;
   std::FILE *m_input = nullptr;
   unsigned short m_port = 0;

@@ -3,12 +3,18 @@
 
     ftp_server.py DIRECTORY PORT-FILE LOG-FILE ANONYMOUS
 
-Serves DIRECTORY to anonymous users if ANONYMOUS is "yes", and to nobody otherwise. The port goes to
-PORT-FILE, each command that arrives to LOG-FILE. A file named "breaks-off" is sent for 5000 bytes;
-then the server drops its connections.
+Serves DIRECTORY to anonymous users if ANONYMOUS is "yes", and to nobody if it is "no"; if it is
+"silent", the server takes connections and never says a word. The port goes to
+PORT-FILE, each command that arrives to LOG-FILE. Names of files that have a meaning of their own:
+
+    breaks-off     is sent for 5000 bytes; then the server drops its connections
+    silent         is sent for 5000 bytes; then nothing more comes
+    answers-NNN    is refused with that number
 """
 
 import os
+import re
+import socket
 import sys
 import threading
 
@@ -35,10 +41,20 @@ class BrokenProducer:
 
 
 class DataChannel(DTPHandler):
+    def sends(self, name):
+        return self.file_obj is not None and self.file_obj.name.endswith(name)
+
     def push_with_producer(self, producer):
-        if self.file_obj is not None and self.file_obj.name.endswith("breaks-off"):
+        if self.sends("silent"):
+            self.push(producer.more()[:5000])
+            return
+        if self.sends("breaks-off"):
             producer = BrokenProducer(producer, self)
         super().push_with_producer(producer)
+
+    def close_when_done(self):
+        if not self.sends("silent"):
+            super().close_when_done()
 
 
 class ControlChannel(FTPHandler):
@@ -51,12 +67,27 @@ class ControlChannel(FTPHandler):
         print(line, file=log, flush=True)
         super().pre_process_command(line, cmd, arg)
 
+    def ftp_RETR(self, file):
+        answer = re.search(r"answers-(\d{3})$", file)
+        if answer is None:
+            return super().ftp_RETR(file)
+        self.respond(answer.group(1) + " is what this name asks for.")
 
+
+def tell_port(port):
+    with open(port_file + ".new", "w") as file:
+        file.write(str(port))
+    os.rename(port_file + ".new", port_file)
+
+
+if anonymous == "silent":
+    silent = socket.create_server(("127.0.0.1", 0))
+    tell_port(silent.getsockname()[1])
+    sys.stdin.read()
+    sys.exit()
 if anonymous == "yes":
     ControlChannel.authorizer.add_anonymous(directory)
 server = FTPServer(("127.0.0.1", 0), ControlChannel)
-with open(port_file + ".new", "w") as file:
-    file.write(str(server.address[1]))
-os.rename(port_file + ".new", port_file)
+tell_port(server.address[1])
 threading.Thread(target=lambda: (sys.stdin.read(), os._exit(0)), daemon=True).start()
 server.serve_forever()

@@ -1,4 +1,4 @@
-// A file in memory, which can be cut short and can run full.
+// A file in memory, which can be cut short, can run full and can fail while it is read.
 //
 //   MemoryFile file;
 //   CArchive archive(&file, CArchive::store);
@@ -17,7 +17,9 @@ class MemoryFile : public CFile {
   explicit MemoryFile(std::string bytes = {}) : content(std::move(bytes)) {}
 
   std::size_t Read(void *buffer, std::size_t count) override {
-    std::size_t const got = std::min(count, content.size() - position);
+    std::size_t const sound = failsAt - std::min(failsAt, position);
+    std::size_t const got = std::min({count, most, sound, content.size() - position});
+    if (got == 0 && count != 0 && sound == 0) throw CFileException(CFileException::hardIO);
     std::memcpy(buffer, content.data() + position, got);
     position += got;
     return got;
@@ -30,15 +32,22 @@ class MemoryFile : public CFile {
     if (fits < count) throw CFileException(CFileException::diskFull);
   }
   long long Seek(long long offset, unsigned int from) override {
+    if (onlyReads) throw CFileException(CFileException::badSeek);
     std::size_t const base = from == begin ? 0 : from == end ? content.size() : position;
     position = base + static_cast<std::size_t>(offset);
     return static_cast<long long>(position);
   }
-  long long GetLength() override { return static_cast<long long>(content.size()); }
+  long long GetLength() override {
+    if (onlyReads) throw CFileException(CFileException::badSeek);
+    return static_cast<long long>(content.size());
+  }
   void Flush() override {}
 
   std::string content;
   std::size_t room = static_cast<std::size_t>(-1);
+  std::size_t most = static_cast<std::size_t>(-1);     // bytes that one read gives
+  std::size_t failsAt = static_cast<std::size_t>(-1);  // the device cannot read from here on
+  bool onlyReads = false;                              // as a pipe: it has no places and no length
   std::size_t position = 0;
 };
 

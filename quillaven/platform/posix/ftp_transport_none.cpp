@@ -6,7 +6,7 @@ bool HasFtpClient() {
   return false;
 }
 
-std::unique_ptr<CFtpConnection> ConnectToFtpServer(char const * /*server*/,
-                                                   unsigned short /*port*/) {
+std::unique_ptr<CFtpConnection> ConnectToFtpServer(char const * /*server*/, unsigned short /*port*/,
+                                                   long /*silenceSeconds*/) {
   return nullptr;
 }

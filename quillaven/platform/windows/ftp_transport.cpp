@@ -26,6 +26,16 @@ class InternetHandle {
   HINTERNET m_handle;
 };
 
+// A session whose servers may be silent for so long.
+HINTERNET OpenSession(long silenceSeconds) {
+  HINTERNET const session =
+      ::InternetOpenA(nullptr, INTERNET_OPEN_TYPE_PRECONFIG, nullptr, nullptr, 0);
+  DWORD milliseconds = static_cast<DWORD>(silenceSeconds) * 1000;
+  for (DWORD const option : {INTERNET_OPTION_CONNECT_TIMEOUT, INTERNET_OPTION_RECEIVE_TIMEOUT})
+    ::InternetSetOptionA(session, option, &milliseconds, sizeof milliseconds);
+  return session;
+}
+
 [[noreturn]] void ThrowLastError() {
   throw CInternetException(::GetLastError());
 }
@@ -58,6 +68,17 @@ class WinInetFile : public CFile {
 
  private:
   std::size_t ReadRaw(void *buffer, std::size_t count) {
+    auto *const to = static_cast<char *>(buffer);
+    std::size_t done = 0;
+    while (done < count) {
+      std::size_t const got = ReadPiece(to + done, count - done);
+      if (got == 0) break;
+      done += got;
+    }
+    return done;
+  }
+  // What has arrived, up to `count` bytes; none at the end alone.
+  std::size_t ReadPiece(char *buffer, std::size_t count) {
     DWORD got = 0;
     DWORD const wanted = static_cast<DWORD>(std::min<std::size_t>(count, 0x40000000));
     if (m_handle.IsOpen() && !::InternetReadFile(m_handle.Get(), buffer, wanted, &got))
@@ -93,8 +114,8 @@ class WinInetFile : public CFile {
 class WinInetConnection : public CFtpConnection {
  public:
   // Neither flag of passive mode nor user nor password: active mode, anonymous.
-  WinInetConnection(char const *server, unsigned short port)
-      : m_session(::InternetOpenA(nullptr, INTERNET_OPEN_TYPE_PRECONFIG, nullptr, nullptr, 0)),
+  WinInetConnection(char const *server, unsigned short port, long silenceSeconds)
+      : m_session(OpenSession(silenceSeconds)),
         m_connection(::InternetConnectA(m_session.Get(), server, port, nullptr, nullptr,
                                         INTERNET_SERVICE_FTP, 0, kContext)) {
     if (!m_connection.IsOpen()) ThrowLastError();
@@ -124,6 +145,7 @@ bool HasFtpClient() {
   return true;
 }
 
-std::unique_ptr<CFtpConnection> ConnectToFtpServer(char const *server, unsigned short port) {
-  return std::make_unique<WinInetConnection>(server, port);
+std::unique_ptr<CFtpConnection> ConnectToFtpServer(char const *server, unsigned short port,
+                                                   long silenceSeconds) {
+  return std::make_unique<WinInetConnection>(server, port, silenceSeconds);
 }
