@@ -38,7 +38,7 @@ std::string BytesOf(std::string const &file) {
 
 // The old file under another name, before anything is written.
 std::string KeepBackup(std::string const &file) {
-  std::string const backup = SystemPath(file) + ".bak";
+  std::string backup = SystemPath(file) + ".bak";
   std::error_code error;
   std::filesystem::copy_file(SystemPath(file), backup,
                              std::filesystem::copy_options::overwrite_existing, error);

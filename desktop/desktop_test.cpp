@@ -348,7 +348,8 @@ TEST_F(Desktop, AStampWithoutLettersOrOfEndlessLengthIsThatOfTheLibrary) {
   }
 }
 
-// The variable that names the display, taken away for as long as this lives.
+// The variable that names the display, taken away for as long as this lives. A display that was open
+// once in a process stays so: these tests run in a process of their own, in this order.
 class NoDisplay {
  public:
   NoDisplay() : m_name(std::getenv("DISPLAY")) { unsetenv("DISPLAY"); }
@@ -360,10 +361,10 @@ class NoDisplay {
   std::string m_name;
 };
 
-TEST(DesktopApplication, CancelsAndSaysSoWithoutADisplay) {
+TEST(WithoutDisplay, CancelsAndSaysSo) {
   NoDisplay const none;
   CDesktopApplication application;
-  EXPECT_FALSE(application.HasDisplay());
+  ASSERT_FALSE(application.HasDisplay());
   CSpline table = DistanceTable();
   testing::internal::CaptureStderr();
   EXPECT_EQ(CSpline::DoModal(table), 2U);
@@ -375,7 +376,7 @@ TEST(DesktopApplication, CancelsAndSaysSoWithoutADisplay) {
   EXPECT_EQ(application.MakeStamp("1990").width, CApplication().MakeStamp("1990").width);
 }
 
-TEST(DesktopApplication, FindsADisplayThatComesLater) {
+TEST(WithoutDisplay, FindsADisplayThatComesLater) {
   CDesktopApplication application;
   {
     NoDisplay const none;

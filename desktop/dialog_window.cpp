@@ -285,7 +285,7 @@ void DialogWindow::ChooseFocus() {
 }
 
 void DialogWindow::Tell(std::function<void()> const &event) {
-  if (m_failure != nullptr) return;
+  if (m_failure != nullptr || m_dialog.Result() != 0) return;  // it is about to close
   try {
     event();
   } catch (...) {  // no exception may pass through the toolkit

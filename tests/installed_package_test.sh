@@ -31,6 +31,13 @@ cmake -S "$work/source" -B "$work/build" -DCMAKE_PREFIX_PATH="$work/prefix" \
 cmake --build "$work/build" > /dev/null
 check "$work/build/consumer" "find_package"
 
+# Where windows were built, they are found too, and a program without a display goes on.
+if [ -x "$work/build/desktop_consumer" ]; then
+  answer=$(env -u DISPLAY -u WAYLAND_DISPLAY "$work/build/desktop_consumer")
+  [ "$answer" = "no display" ] || { echo "QuillavenDesktop: got '$answer'" >&2; exit 1; }
+  echo "QuillavenDesktop: $answer"
+fi
+
 PKG_CONFIG_PATH=$(dirname "$(find "$work/prefix" -name QuillavenLib.pc)")
 export PKG_CONFIG_PATH
 read -ra options <<< "$(pkg-config --cflags --libs QuillavenLib)"
