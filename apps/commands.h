@@ -59,3 +59,5 @@ void TableEval(TableOptions const &options);
 void TablePlot(TableOptions const &options);
 /// Writes a function table in the other form.
 void TableConvert(TableOptions const &options);
+/// Shows a function table in a window, and writes it back if the user says so.
+void TableEdit(TableOptions const &options);

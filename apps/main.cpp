@@ -169,6 +169,10 @@ void AddTable(CLI::App &program, TableOptions &options) {
       ->check(CLI::IsMember({"tagged", "compact"}));
   convert->add_option("--out", options.out, "The file to write")->required();
   convert->footer("Example: quillaven table convert step.txt --to tagged --out step-tagged.txt");
+  CLI::App *edit = AddTableCommand(*tables, options, "edit",
+                                   "Shape a table with the mouse; the old file is kept", TableEdit);
+  edit->add_option("--number", options.table, "The same as --table")->check(CLI::Range(1, 1000000));
+  edit->footer("Example: quillaven table edit demand.txt --number 1");
 }
 
 // Every failure is one line and a status; help and version end well.

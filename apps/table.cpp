@@ -1,8 +1,6 @@
 #include <algorithm>
-#include <cerrno>
 #include <cmath>
 #include <cstdio>
-#include <cstring>
 #include <vector>
 
 #include <quillaven/foundation/textio.h>
@@ -11,51 +9,9 @@
 #include "apps/canvas.h"
 #include "apps/commands.h"
 #include "apps/console.h"
-#include "apps/files.h"
+#include "apps/table_file.h"
 
 namespace {
-
-constexpr int kLineSize = 4096;
-constexpr char kColumns[] = "Type\tName\tXmin\tXmax\tYmin\tYmax\t#Points\tXLabel\tYLabel";
-
-void OpenText(CStdioFile &stream, std::string const &file) {
-  RequireReadable(file);
-  if (!stream.Open(file.c_str(), CFile::modeRead | CFile::typeText))
-    throw Failure("cannot open '" + file + "'");
-}
-
-// Whether a file begins as a table in tagged form, with or without the line of several tables.
-bool IsTagged(std::string const &file) {
-  CStdioFile stream;
-  OpenText(stream, file);
-  char line[kLineSize + 1] = {};
-  for (int i = 0; i < 2; ++i) {
-    GetLine(line, kLineSize, stream);
-    if (std::strstr(line, kColumns) != nullptr) return true;
-  }
-  return false;
-}
-
-// The n-th table of a file, counted from 1.
-CSpline ReadTable(std::string const &file, int n) {
-  Console const console(".");  // a box for a table that is not there ends here
-  bool const tagged = IsTagged(file);
-  CStdioFile stream;
-  OpenText(stream, file);
-  for (int i = 1;; ++i) {
-    CSpline table;
-    bool read = true;
-    if (tagged) {
-      read = table.OnRead(stream, i);
-    } else {
-      table.OnRead2(stream);
-      read = table.GetSize() > 0;
-    }
-    if (!read && i == 1) throw Failure("'" + file + "' holds no function table");
-    if (!read) throw Failure("'" + file + itostr("' holds no table number %d", n));
-    if (i == n) return table;
-  }
-}
 
 // A range that shows all values and has a width.
 struct Range {
@@ -183,7 +139,7 @@ class Plot {
 }  // namespace
 
 void TableEval(TableOptions const &options) {
-  CSpline table = ReadTable(options.file, options.table);
+  CSpline table = ReadTable(options.file, options.table).table;
   for (double const x : options.questions) {
     auto const asked = static_cast<float>(x);
     std::printf("%s\t%s\n", lftostr("%g", x).c_str(), ftostr("%g", table.Evaluate(asked)).c_str());
@@ -191,26 +147,19 @@ void TableEval(TableOptions const &options) {
 }
 
 void TablePlot(TableOptions const &options) {
-  CSpline table = ReadTable(options.file, options.table);
+  CSpline table = ReadTable(options.file, options.table).table;
   auto const canvas = MakeCanvas(options.out, Plot::kWidth, Plot::kHeight);
   Plot(table, *canvas).Draw();
   canvas->Save(options.out);
 }
 
 void TableConvert(TableOptions const &options) {
-  CSpline table = ReadTable(options.file, options.table);
-  errno = 0;
-  CStdioFile out;
-  if (!out.Open(options.out.c_str(), CFile::modeCreate | CFile::modeWrite | CFile::typeText))
-    throw Failure("cannot write '" + options.out + "': " + std::strerror(errno));
-  try {
+  CSpline table = ReadTable(options.file, options.table).table;
+  WriteTextFile(options.out, [&](CStdioFile &out) {
     if (options.form == "tagged") {
       table.OnWrite(out, options.table);
     } else {
       table.OnWrite2(out);
     }
-    out.Close();
-  } catch (CFileException const &) {
-    throw Failure("cannot write '" + options.out + "': " + std::strerror(errno));
-  }
+  });
 }

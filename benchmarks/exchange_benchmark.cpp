@@ -227,9 +227,9 @@ void BM_Bitmap(benchmark::State &state) {
         GDALDatasetH written =
             GDALCreate(GDALGetDriverByName("BMP"), directory.Path("b.bmp").c_str(), kBitmapSide,
                        kBitmapSide, 1, GDT_Byte, nullptr);
-        CPLErr const error = GDALRasterIO(GDALGetRasterBand(written, 1), GF_Write, 0, 0,
-                                          kBitmapSide, kBitmapSide, classes.data(), kBitmapSide,
-                                          kBitmapSide, GDT_Float32, 0, 0);
+        CPLErr const error =
+            GDALRasterIO(GDALGetRasterBand(written, 1), GF_Write, 0, 0, kBitmapSide, kBitmapSide,
+                         classes.data(), kBitmapSide, kBitmapSide, GDT_Float32, 0, 0);
         if (error != CE_None) std::abort();
         GDALClose(written);
       });

@@ -4,12 +4,15 @@
 
 #pragma once
 
+#include <quillaven/editor/dialog.h>
+#include <quillaven/editor/drawing.h>
 #include <quillaven/exchange/bitmap.h>
 #include <quillaven/exchange/idrisi_header.h>
 #include <quillaven/exchange/idrisi_palette.h>
 #include <quillaven/foundation/errors.h>
 #include <quillaven/foundation/numbers.h>
 #include <quillaven/foundation/paths.h>
+#include <quillaven/foundation/tempfiles.h>
 #include <quillaven/foundation/textio.h>
 #include <quillaven/functions/spline.h>
 #include <quillaven/legends/bitmap_legend.h>
@@ -24,6 +27,7 @@
 #include <quillaven/platform/archive.h>
 #include <quillaven/platform/exceptions.h>
 #include <quillaven/platform/files.h>
+#include <quillaven/platform/ftp.h>
 #include <quillaven/platform/geometry.h>
 #include <quillaven/platform/modules.h>
 #include <quillaven/platform/strings.h>

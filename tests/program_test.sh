@@ -298,6 +298,15 @@ cat "$tables/distance-decay.txt" "$tables/demand.txt" > both.txt
 "$program" table convert both.txt --table 2 --to tagged --out again.txt || fail "table convert"
 expect_same "the second table" "$(tail -n +2 again.txt | cksum)" "$(tail -n +2 "$tables/demand.txt" | cksum)"
 
+display=${DISPLAY:-}
+unset DISPLAY WAYLAND_DISPLAY
+cp "$tables/step.txt" edited.txt
+expect_line "there is no display to edit a table on" 1 table edit edited.txt
+expect_line "holds no table number 2" 1 table edit edited.txt --number 2
+expect_same "the table" "$(cksum < edited.txt)" "$(cksum < "$tables/step.txt")"
+expect_same "no backup" "$(ls edited.txt.bak 2>/dev/null)" ""
+[ -z "$display" ] || export DISPLAY=$display
+
 for kind in svg bmp png; do
   checks=$((checks + 1))
   "$program" table plot "$tables/demand.txt" --out plot.$kind || fail "table plot to .$kind"

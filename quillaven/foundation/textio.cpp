@@ -1,6 +1,8 @@
+#include <algorithm>
 #include <cstdio>
 #include <cstring>
 #include <fstream>
+#include <string_view>
 
 #include <quillaven/foundation/errors.h>
 #include <quillaven/foundation/textio.h>
@@ -32,6 +34,24 @@ void EndText(char *buffer, int size, int count) {
   }
 }
 
+struct TakenText {
+  int length;  // the bytes in the buffer without the zero byte: all of it for one that did not fit
+  bool ended;  // the delimiter was there
+};
+
+TakenText TakeText(char *buffer, int size, CStdioFile &file, char delimiter) {
+  int const room = std::max(size, 0);
+  TakenText text{0, false};
+  for (char byte = 0; ReadByte(file, byte);) {
+    text.ended = byte == delimiter;
+    if (text.ended) break;
+    if (text.length < room - 1) buffer[text.length] = byte;
+    if (text.length < room) ++text.length;  // an over-long text is read to its end, not counted
+  }
+  EndText(buffer, room, text.length);
+  return text;
+}
+
 // The character that an escape stands for: itself if it is none of the letters.
 char Unescaped(char letter) {
   char const *found = std::strchr(kLetters, letter);
@@ -41,16 +61,7 @@ char Unescaped(char letter) {
 }  // namespace
 
 bool ReadStr(char *buffer, int size, CStdioFile &file, char delimiter) {
-  int count = 0;
-  bool ended = false;
-  for (char byte = 0; ReadByte(file, byte);) {
-    ended = byte == delimiter;
-    if (ended) break;
-    if (count + 1 < size) buffer[count] = byte;
-    if (count < size) ++count;  // an over-long line is read to its end, not counted
-  }
-  EndText(buffer, size, count);
-  return ended;
+  return TakeText(buffer, size, file, delimiter).ended;
 }
 
 bool GetLine(char *buffer, int size, CStdioFile &file) {
@@ -81,8 +92,9 @@ bool SkipRestOfLine(CStdioFile &file) {
 bool CheckLabel(char const *label, CStdioFile &file) {
   char line[kLineSize + 1];
   line[kLineSize] = '\0';  // an over-long line has no end of its own
-  GetLine(line, kLineSize, file);
-  if (std::strcmp(line, label) == 0) return true;
+  std::string_view const whole(
+      line, static_cast<std::size_t>(TakeText(line, kLineSize, file, '\n').length));
+  if (whole == label) return true;  // a zero byte in the line is a byte like others
   CString text;
   text.Format("'%s' expected instead of '%s'", label, line);
   AfxMessageBox(text);

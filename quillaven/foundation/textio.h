@@ -39,7 +39,8 @@ QUILLAVEN_API bool ReadDbl(double &value, CStdioFile &file);
 QUILLAVEN_API bool SkipRestOfLine(CStdioFile &file);
 
 /// Reads a line and compares it with the label, whole and with case. False, after a box that shows
-/// both, if it differs; the line is read all the same.
+/// both, if it differs; the line is read all the same. The box shows a line with a zero byte up to
+/// that byte.
 QUILLAVEN_API bool CheckLabel(char const *label, CStdioFile &file);
 
 /// Packs a text file into one line: CR, LF, backslash, TAB and blank become a backslash and r, n, a

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <limits>
@@ -158,6 +159,66 @@ TEST_F(TextIo, LongerFieldEndsInTheDigitZeroAsALineDoes) {
   EXPECT_EQ(Rest(), "g");
 }
 
+TEST_F(TextIo, FieldMayEndAtAnyByte) {
+  Open(std::string("ab\n\0cd\xFF", 7) + "e");
+  Guarded buffer(5);
+  EXPECT_TRUE(ReadStr(buffer.Begin(), 5, file, '\0'));
+  EXPECT_EQ(buffer.Inside(), std::string("ab\n\0z", 5));
+  EXPECT_TRUE(ReadStr(buffer.Begin(), 5, file, '\xFF'));
+  EXPECT_STREQ(buffer.Begin(), "cd");
+  EXPECT_EQ(Rest(), "e");
+}
+
+TEST_F(TextIo, ZeroByteOfALineIsAByteLikeOthers) {
+  Open(std::string("a\0b\ncd", 6));
+  Guarded buffer(6);
+  EXPECT_TRUE(GetLine(buffer.Begin(), 6, file));
+  EXPECT_EQ(buffer.Inside(), std::string("a\0b\0zz", 6));
+}
+
+TEST_F(TextIo, LargestBufferHoldsALine) {
+  Open("ab\n");
+  char buffer[10] = {};
+  EXPECT_TRUE(GetLine(buffer, std::numeric_limits<int>::max(), file));
+  EXPECT_STREQ(buffer, "ab");
+}
+
+// A file whose device fails behind its first bytes.
+class FailingFile : public CStdioFile {
+ public:
+  std::size_t Read(void *buffer, std::size_t count) override {
+    if (count == 0 || bytes.empty()) throw CFileException(CFileException::hardIO);
+    *static_cast<char *>(buffer) = bytes.front();
+    bytes.erase(0, 1);
+    return 1;
+  }
+  std::string bytes = "ab";
+};
+
+template <class Work>
+int CauseThrownBy(Work work) {
+  FailingFile file;
+  try {
+    work(file);
+  } catch (CFileException const &reason) {
+    return reason.m_cause;
+  }
+  return CFileException::none;
+}
+
+TEST_F(TextIo, ErrorsOfTheDevicePassThrough) {
+  char buffer[10] = {};
+  EXPECT_EQ(CauseThrownBy([&](CStdioFile &failing) { GetLine(buffer, 10, failing); }),
+            CFileException::hardIO);
+  EXPECT_EQ(CauseThrownBy([&](CStdioFile &failing) { ReadStr(buffer, 10, failing, '\t'); }),
+            CFileException::hardIO);
+  EXPECT_EQ(CauseThrownBy([](CStdioFile &failing) { SkipRestOfLine(failing); }),
+            CFileException::hardIO);
+  EXPECT_EQ(CauseThrownBy([](CStdioFile &failing) { CheckLabel("ab", failing); }),
+            CFileException::hardIO);
+  EXPECT_TRUE(application.boxes.empty());
+}
+
 TEST_F(TextIo, PutLineWritesTheTextAndNoLineEnd) {
   std::string const name = directory.Path("out.txt");
   {
@@ -266,6 +327,15 @@ TEST_F(TextIo, LabelAtTheEndOfTheFileIsComparedWithAnEmptyText) {
   EXPECT_EQ(application.boxes[0].text, "'x' expected instead of ''");
 }
 
+TEST_F(TextIo, LabelIsComparedWithEveryByteOfTheLine) {
+  Open(std::string("ab\0cd\nab\0\nnext\n", 15));
+  EXPECT_FALSE(CheckLabel("ab", file));
+  EXPECT_FALSE(CheckLabel("ab", file));
+  ASSERT_EQ(application.boxes.size(), 2U);
+  EXPECT_EQ(application.boxes[0].text, "'ab' expected instead of 'ab'");
+  EXPECT_EQ(Rest(), "next\n");
+}
+
 TEST_F(TextIo, LabelOfAnOverLongLineIsShownWithItsMark) {
   Open(std::string(5000, 'a') + "\nnext\n");
   EXPECT_FALSE(CheckLabel("x", file));
@@ -368,6 +438,13 @@ TEST_F(EscapedLine, FileThatCannotBeWrittenGivesTheOpenBoxEvenSo) {
   EXPECT_FALSE(LineToFile("x", directory.Path("none/out.txt").c_str()));
   ASSERT_EQ(application.boxes.size(), 1U);
   EXPECT_EQ(application.boxes[0].title, "Error: Cannot open file");
+}
+
+// Only whether the file opens is told.
+TEST_F(EscapedLine, FileOnAFullDeviceStillGivesTrue) {
+  if (!std::filesystem::exists("/dev/full")) GTEST_SKIP() << "this system has no such device";
+  EXPECT_TRUE(LineToFile("x", "/dev/full"));
+  EXPECT_TRUE(application.boxes.empty());
 }
 
 TEST_F(EscapedLine, ExampleStandsInItsPageAndIsThatFile) {

@@ -5,8 +5,6 @@
 
 #include <quillaven/functions/spline.h>
 #include <quillaven/functions/spline_solver_internal.h>
-#include <quillaven/platform/application.h>
-#include <quillaven/platform/dialog_internal.h>
 
 namespace {
 
@@ -19,28 +17,20 @@ constexpr std::array<float, 30> kRoots{
     4.1231F, 4.2426F, 4.4721F, 5.0F, 5.099F,  5.3852F, 5.6569F, 5.831F,  6.0F,    6.0828F,
     6.3246F, 6.4031F, 6.7082F, 7.0F, 7.0711F, 7.2111F, 7.2801F, 7.6158F, 7.8102F, 8.0F};
 
-double XOf(double x) {
-  return x;
-}
-double XOf(CSplinePoint const &point) {
-  return point.x;
-}
-
 // The end of the first pair of neighbours from `first` to `last` that holds x; null if none does. A
 // pair that falls holds nothing. The walk is plain, as the order in which pairs are met decides
 // where an x comes up again.
-template <class Element>
-Element const *FindPair(double x, Element const *first, Element const *last) {
-  Element const *b = first + 1;
-  if (x <= XOf(*last)) {
+CSplinePoint const *FindPair(double x, CSplinePoint const *first, CSplinePoint const *last) {
+  CSplinePoint const *b = first + 1;
+  if (x <= last->x) {
     // The last element ends every step of the walk, which so has one test for each element.
     for (; b <= last; ++b) {
-      while (!(x <= XOf(*b))) ++b;
-      if (x >= XOf(b[-1])) return b;
+      while (!(x <= b->x)) ++b;
+      if (x >= b[-1].x) return b;
     }
   }
   for (; b <= last; ++b)
-    if (x <= XOf(*b) && x >= XOf(b[-1])) return b;
+    if (x <= b->x && x >= b[-1].x) return b;
   return nullptr;
 }
 
@@ -55,28 +45,33 @@ float OnPair(float x, CSplinePoint const &a, CSplinePoint const &b) {
   return OnLine(x, a, b);
 }
 
-// The answer of n points. Where no pair holds x it is the last y.
-float OnLines(float x, double const *xs, double const *ys, std::size_t n) {
-  double const *end = FindPair(x, xs, xs + (n - 1));
-  if (end == nullptr) return static_cast<float>(ys[n - 1]);
-  auto const b = end - xs;
-  return OnPair(x, {xs[b - 1], ys[b - 1]}, {xs[b], ys[b]});
+// The answer of n points for an x between the first and the last: that of the first pair of
+// neighbours that holds x, as FindPair finds it, or the last y where none does. The last point ends
+// every step of the walk, which so has one test for each point.
+float OnLines(double x, double const *xs, double const *ys, std::size_t n) {
+  for (std::size_t b = 1; b < n; ++b) {
+    while (!(x <= xs[b])) ++b;
+    double const left = xs[b - 1];
+    if (!(left <= x)) continue;  // a pair that falls holds nothing
+    double const width = xs[b] - left;
+    if (!(width > 0)) return static_cast<float>((ys[b - 1] + ys[b]) * 0.5);  // a vertical step
+    return static_cast<float>((x - left) / width * (ys[b] - ys[b - 1]) + ys[b - 1]);
+  }
+  return static_cast<float>(ys[n - 1]);
+}
+
+// The answer at and behind the last point, and where the last x is no number: that ends no walk.
+float AtEnd(float x, double const *xs, double const *ys, std::size_t n) {
+  if (!(x >= xs[n - 1]))
+    for (std::size_t b = 1; b < n; ++b)
+      if (xs[b - 1] <= x && x <= xs[b]) return OnPair(x, {xs[b - 1], ys[b - 1]}, {xs[b], ys[b]});
+  return static_cast<float>(ys[n - 1]);
 }
 
 // Room for one more, so that an insertion cannot fail: x and y keep one length.
 void MakeRoom(std::vector<double> &values) {
   if (values.size() == values.capacity()) values.reserve(2 * values.size() + 1);
 }
-
-// What the application shows; without a screen nobody ever presses its buttons.
-class CSplineDialog : public CDialog {
- public:
-  explicit CSplineDialog(CSpline const &table) : m_Table(table) {}
-  CSpline const &Table() const { return m_Table; }
-
- private:
-  CSpline m_Table;
-};
 
 }  // namespace
 
@@ -126,9 +121,9 @@ float CSpline::Evaluate(float x) {
   double const *xs = m_X.data();
   double const *ys = m_Y.data();
   if (!(x > xs[0])) return static_cast<float>(ys[0]);  // so that NaN counts as left of the table
-  if (x >= xs[n - 1]) return static_cast<float>(ys[n - 1]);
-  if (n == 2) return OnLine(x, {xs[0], ys[0]}, {xs[1], ys[1]});
-  return m_bTableLinear ? OnLines(x, xs, ys, n) : OnCurve(x);
+  if (!(x < xs[n - 1]) && (x >= xs[n - 1] || m_bTableLinear || n == 2)) return AtEnd(x, xs, ys, n);
+  // Two points are a straight line whatever the type.
+  return m_bTableLinear || n == 2 ? OnLines(x, xs, ys, n) : OnCurve(x);
 }
 
 // Where no pair holds x the last y answers here too, even left of the first sample, which may lie a
@@ -175,17 +170,4 @@ float CSpline::Root(int index) {
 
 int CSpline::NRoots() {
   return static_cast<int>(kRoots.size());
-}
-
-unsigned int CSpline::DoModal(CSpline &table) {
-  constexpr unsigned int kOk = 1;
-  constexpr unsigned int kCancel = 2;
-  try {
-    CSplineDialog dialog(table);
-    unsigned int const result = GetApplication().RunModal(dialog);
-    if (result == kOk) table = dialog.Table();
-    return result;
-  } catch (...) {
-    return kCancel;
-  }
 }

@@ -16,6 +16,7 @@
 
 #include <cstdint>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <quillaven/platform/api.h>
@@ -31,9 +32,16 @@ struct CSplinePoint {
 class QUILLAVEN_API CSpline {
  public:
   CSpline() = default;
-  /// Copies are complete: points, texts, limits, and the sampled curve if there is one.
+  /// Copies are complete: points, texts, limits, and the sampled curve if there is one. An
+  /// assignment that finds no memory leaves the table as it was.
   CSpline(CSpline const &) = default;
-  CSpline &operator=(CSpline const &) = default;
+  CSpline &operator=(CSpline const &other) { return *this = CSpline(other); }
+  /// Moves swap: what is moved from holds a new table, or that of the target.
+  CSpline(CSpline &&other) noexcept { Swap(other); }
+  CSpline &operator=(CSpline &&other) noexcept {
+    Swap(other);
+    return *this;
+  }
   ~CSpline() = default;
 
   /// Reads a table in tagged form from where an open file stands, and adds its points to those the
@@ -50,7 +58,8 @@ class QUILLAVEN_API CSpline {
   /// those of the table as they stand in the file, without sorting; name and type stay. The limits
   /// of x become the first and last x. A curve that was sampled before stays in force until the
   /// next change of a point. A file without a count, with a count below 1, or with a count above
-  /// the number of bytes that follow changes nothing.
+  /// the number of bytes in the two lines behind it changes nothing, and neither does one that
+  /// throws. The file is read once and forward, so that a pipe will do.
   void OnRead2(CStdioFile &file);
   /// Writes the table in compact form: three lines, six decimals.
   void OnWrite2(CStdioFile &file);
@@ -100,7 +109,8 @@ class QUILLAVEN_API CSpline {
   /// to 400 of them for most tables) and allocates nothing. The shape of the curve depends on the
   /// size of the y values: x is stretched to 800 units first, and y is not. Throws std::string
   /// "spline only for n >= 3 points" where points lie so close that fewer are left, and "unable to
-  /// invert spline matrix"; std::bad_alloc for a curve that is too long to be sampled.
+  /// invert spline matrix"; std::bad_alloc for a curve that is too long to be sampled, which is
+  /// one whose chords from point to point have more than about 6.7e8 units in all.
   float Evaluate(float x);
   void Evaluate(float x, float *result);
 
@@ -120,6 +130,7 @@ class QUILLAVEN_API CSpline {
 
  private:
   friend struct CSplineAccess;
+  inline void Swap(CSpline &other) noexcept;
   float OnCurve(float x);
   void SampleCurve();
 
@@ -137,3 +148,19 @@ class QUILLAVEN_API CSpline {
   std::vector<CSplinePoint> m_Curve;      // samples from element 1 on
   bool m_bCurveValid = false;             // m_Curve belongs to the present points
 };
+
+inline void CSpline::Swap(CSpline &other) noexcept {
+  m_strName.swap(other.m_strName);
+  std::swap(m_fMinX, other.m_fMinX);
+  std::swap(m_fMaxX, other.m_fMaxX);
+  std::swap(m_fMinY, other.m_fMinY);
+  std::swap(m_fMaxY, other.m_fMaxY);
+  std::swap(m_bTableLinear, other.m_bTableLinear);
+  m_strXLabel.swap(other.m_strXLabel);
+  m_strYLabel.swap(other.m_strYLabel);
+  m_X.swap(other.m_X);
+  m_Y.swap(other.m_Y);
+  m_Reserved.swap(other.m_Reserved);
+  m_Curve.swap(other.m_Curve);
+  std::swap(m_bCurveValid, other.m_bCurveValid);
+}

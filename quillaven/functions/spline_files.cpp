@@ -1,7 +1,10 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
+#include <limits>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -23,6 +26,15 @@ constexpr int kMostNumbers = kLineSize / 2;
 constexpr char kColumns[] = "Type\tName\tXmin\tXmax\tYmin\tYmax\t#Points\tXLabel\tYLabel";
 constexpr char kSeveralTables[] = "NumberFunctions=";
 
+// The number at the begin of a text, as "%d" reads it; one that no int holds becomes the nearest.
+std::optional<int> WholeNumber(char const *text) {
+  char *end = nullptr;
+  long long const number = std::strtoll(text, &end, 10);
+  if (end == text) return std::nullopt;
+  return static_cast<int>(std::clamp<long long>(number, std::numeric_limits<int>::min(),
+                                                std::numeric_limits<int>::max()));
+}
+
 // A line in a buffer, and the place of its next field. All lines of a table pass through one
 // buffer. A field that ends the text moves the place behind the text's end, into what a longer line
 // before left there; the end of the buffer stops all. A number that cannot be read leaves the place
@@ -42,8 +54,17 @@ class FieldReader {
     value = m_next;
     return Pass(end);
   }
-  bool ReadInt(int &value) { return ReadNumber("%d", value); }
-  bool ReadFloat(float &value) { return ReadNumber("%g", value); }
+  bool ReadInt(int &value) {
+    char const *end = EndField();
+    std::optional<int> const number = WholeNumber(m_next);
+    value = number.value_or(value);
+    return number && Pass(end);
+  }
+  bool ReadFloat(float &value) {
+    char const *end = EndField();
+    PointLocale const numbers;
+    return std::sscanf(m_next, "%g", &value) == 1 && Pass(end);
+  }
 
  private:
   char *EndField() {
@@ -56,13 +77,6 @@ class FieldReader {
     if (m_next < m_buffer + kLineSize) ++m_next;
     return true;
   }
-  template <class T>
-  bool ReadNumber(char const *format, T &value) {
-    char const *end = EndField();
-    PointLocale const numbers;
-    return std::sscanf(m_next, format, &value) == 1 && Pass(end);
-  }
-
   char m_buffer[kLineSize + 1] = {};  // the last place is never written: it ends what has no end
   char *m_next = m_buffer;
 };
@@ -105,27 +119,69 @@ void WriteNumbers(CStdioFile &file, char const *label, char const *format,
 struct Limits {
   float minY = 0;
   float maxY = 0;
-  int count = 0;
+  std::size_t count = 0;
 };
 
+// False if there is no count, or one below 1.
 bool ReadLimits(CStdioFile &file, Limits &limits) {
   char line[kLineSize + 1] = {};
   GetLine(line, kLineSize, file);
   PointLocale const numbers;
-  return std::sscanf(line, " %f %f %d", &limits.minY, &limits.maxY, &limits.count) == 3;
+  int place = 0;
+  if (std::sscanf(line, " %f %f%n", &limits.minY, &limits.maxY, &place) != 2) return false;
+  int const count = WholeNumber(line + place).value_or(0);
+  limits.count = static_cast<std::size_t>(std::max(count, 0));
+  return count >= 1;
 }
 
-// Reads a label and the numbers behind it. A number that fails repeats the last one, even that of
-// the line before.
-std::string ReadLabelled(CStdioFile &file, std::vector<double> &values, double &last) {
+bool IsOneOf(char const *bytes, int byte) {
+  return byte != '\0' && std::strchr(bytes, byte) != nullptr;
+}
+
+// A line of the compact form, read forward. Nothing tells in advance how much of it there is, so
+// that the count of the file is not believed: it is held against the bytes that the lines took.
+struct CompactLine {
+  std::string label;
+  std::vector<double> values;
+  double last = 0;        // what all values behind these are
+  std::size_t bytes = 0;  // how many the line took
+};
+
+// Goes over blanks, line ends included, to the begin of a number. False at any other byte, from
+// which no number will ever be read, and at the end of the file.
+bool ReachNumber(CStdioFile &file, CompactLine &line) {
+  int next = std::getc(file.m_pStream);
+  for (; IsOneOf(" \t\n\v\f\r", next); next = std::getc(file.m_pStream)) ++line.bytes;
+  if (next != EOF) std::ungetc(next, file.m_pStream);
+  return IsOneOf("+-.0123456789iInN", next);
+}
+
+// Appends the number that begins here. One that fails repeats the last one, and has taken a byte at
+// least.
+void AppendNumber(CStdioFile &file, CompactLine &line) {
+  int bytes = 0;
+  if (std::fscanf(file.m_pStream, "%lf%n", &line.last, &bytes) != 1) bytes = 1;
+  line.bytes += static_cast<std::size_t>(bytes);
+  line.values.push_back(line.last);
+}
+
+// Reads behind the next line feed.
+void PassRest(CStdioFile &file, CompactLine &line) {
+  for (char byte = 0; byte != '\n' && file.Read(&byte, 1) == 1;) ++line.bytes;
+}
+
+// The first numbers that fail repeat the last one of the line before.
+CompactLine ReadCompactLine(CStdioFile &file, std::size_t count, double last) {
   char label[kLineSize + 1] = {};
-  ReadStr(label, kLineSize, file, '\t');
-  for (double &value : values) {
-    ReadDbl(last, file);
-    value = last;
-  }
-  SkipRestOfLine(file);
-  return label;
+  bool const hasTab = ReadStr(label, kLineSize, file, '\t');
+  CompactLine line;
+  line.label = label;
+  line.last = last;
+  line.bytes = line.label.size() + (hasTab ? 1 : 0);
+  PointLocale const numbers;
+  while (line.values.size() < count && ReachNumber(file, line)) AppendNumber(file, line);
+  PassRest(file, line);
+  return line;
 }
 
 }  // namespace
@@ -177,22 +233,20 @@ bool CSpline::OnWrite(CStdioFile &file, int number) {
 void CSpline::OnRead2(CStdioFile &file) {
   Limits limits;
   if (!ReadLimits(file, limits)) return;
-  // A count is believed as far as the rest of the file could bear it out.
-  long long const rest = file.GetLength() - file.Seek(0, CFile::current);
-  if (limits.count < 1 || limits.count > rest) return;
-
-  auto const count = static_cast<std::size_t>(limits.count);
-  m_X.reserve(count);
-  m_Y.reserve(count);
+  CompactLine x = ReadCompactLine(file, limits.count, 0.0);
+  CompactLine y = ReadCompactLine(file, limits.count, x.last);
+  if (limits.count > x.bytes + y.bytes) return;  // more than the lines could hold
+  x.values.resize(limits.count, x.last);
+  y.values.resize(limits.count, y.last);
+  // From here on nothing fails.
   m_fMinY = limits.minY;
   m_fMaxY = limits.maxY;
-  m_X.resize(count);
-  m_Y.resize(count);
-  double last = 0.0;
-  m_strXLabel = ReadLabelled(file, m_X, last);
-  m_fMinX = static_cast<float>(m_X.front());
-  m_fMaxX = static_cast<float>(m_X.back());
-  m_strYLabel = ReadLabelled(file, m_Y, last);
+  m_fMinX = static_cast<float>(x.values.front());
+  m_fMaxX = static_cast<float>(x.values.back());
+  m_strXLabel.swap(x.label);
+  m_strYLabel.swap(y.label);
+  m_X.swap(x.values);
+  m_Y.swap(y.values);
 }
 
 void CSpline::OnWrite2(CStdioFile &file) {

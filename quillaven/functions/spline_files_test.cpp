@@ -1,6 +1,9 @@
 #include <cmath>
+#include <cstdio>
+#include <cstdlib>
 #include <fstream>
 #include <iterator>
+#include <new>
 #include <random>
 #include <string>
 #include <utility>
@@ -8,10 +11,12 @@
 
 #include <gtest/gtest.h>
 
+#include <quillaven/foundation/textio.h>
 #include <quillaven/functions/spline.h>
 #include <quillaven/functions/spline_access_internal.h>
 #include <quillaven/platform/files.h>
 
+#include "tests/support/allocation_count.h"
 #include "tests/support/recording_application.h"
 #include "tests/support/temporary_directory.h"
 
@@ -213,6 +218,73 @@ TEST_F(TaggedTable, BoxQuotesTheLineBehindTheNumberOfTables) {
   EXPECT_NE(application.boxes[0].text.find("Retrieved:\n'no header'"), std::string::npos);
 }
 
+TEST_F(TaggedTable, SecondLineWithTheNumberOfTablesIsNoHeader) {
+  CSpline table;
+  EXPECT_FALSE(Read(table, "NumberFunctions=1\nnumberfunctions=2\n" + kDecay));
+  ASSERT_EQ(application.boxes.size(), 1U);
+  EXPECT_NE(application.boxes[0].text.find("Retrieved:\n'numberfunctions=2'"), std::string::npos);
+  EXPECT_EQ(table.GetSize(), 0);
+}
+
+TEST_F(TaggedTable, BoxQuotesAnOverLongLineAsItIsCut) {
+  CSpline table;
+  EXPECT_FALSE(Read(table, std::string(5000, 'h') + "\nnext\n"));
+  ASSERT_EQ(application.boxes.size(), 1U);
+  EXPECT_NE(application.boxes[0].text.find("Retrieved:\n'" + std::string(4095, 'h') + "0'"),
+            std::string::npos);
+  EXPECT_EQ(Rest(), "next\n");
+}
+
+// Two fields are three bytes of the line, the name takes the rest, and the digit is its last. What
+// stands behind it was never read.
+TEST_F(TaggedTable, OverLongLineOfPropertiesIsCutInItsName) {
+  CSpline table;
+  EXPECT_TRUE(Read(table, kColumns + "\n\t1\t" + std::string(5000, 'n') +
+                              "\t7\t9\t5\t6\t3\tx\ty\nXDATA\t1\t2\t3\nYDATA\t4\t5\t6\nnext\n"));
+  EXPECT_EQ(table.Name(), std::string(4092, 'n') + "0");
+  EXPECT_EQ(table.MinX(), 0);
+  EXPECT_EQ(table.MaxX(), 1);
+  EXPECT_EQ(table.GetSize(), 0);
+  EXPECT_STREQ(table.XLabel(), "");
+  EXPECT_EQ(Rest(), "next\n");
+}
+
+// All y are zero then.
+TEST_F(TaggedTable, FailedLineOfYKeepsItsZeros) {
+  for (char const *line : {"YDATA\tword\t5\t6\n", "YDATA\n", ""}) {
+    SCOPED_TRACE(line);
+    std::string bytes = kDecay;
+    bytes.replace(bytes.find("YDATA"), std::string::npos, line);
+    CSpline table;
+    EXPECT_TRUE(Read(table, bytes));
+    ASSERT_EQ(table.GetSize(), 3);
+    EXPECT_EQ(table.GetYAt(0), 0);
+  }
+}
+
+// A file whose device fails when a number of bytes were read.
+class FailingFile : public CStdioFile {
+ public:
+  std::size_t Read(void *buffer, std::size_t count) override {
+    if (bytesLeft-- == 0) throw CFileException(CFileException::hardIO);
+    return CStdioFile::Read(buffer, count);
+  }
+  long bytesLeft = 0;
+};
+
+TEST_F(TaggedTable, ErrorOfTheDevicePassesThrough) {
+  std::string const path = directory.Write("a.txt", kDecay);
+  for (long bytes = 0; bytes < static_cast<long>(kDecay.size()); ++bytes) {
+    FailingFile failing;
+    ASSERT_TRUE(failing.Open(path.c_str(), CFile::modeRead));
+    failing.bytesLeft = bytes;
+    CSpline table;
+    EXPECT_THROW(table.OnRead(failing, 1), CFileException) << bytes;
+    EXPECT_EQ(table.GetSize(), 0) << bytes;
+  }
+  EXPECT_TRUE(application.boxes.empty());
+}
+
 TEST_F(TaggedTable, EndOfTheFileFails) {
   CSpline table;
   EXPECT_FALSE(Read(table, ""));
@@ -312,7 +384,8 @@ TEST_F(TaggedTable, ShortLineKeepsZerosWhereTheRestIsNoNumber) {
 }
 
 TEST_F(TaggedTable, HugeOrNegativeCountIsHeldToTheLine) {
-  for (char const *count : {"2147483647", "100000000", "-3"}) {
+  for (char const *count : {"2147483647", "2147483648", "4294967299", "99999999999999999999",
+                            "100000000", "-3", "-99999999999999999999"}) {
     std::string bytes = kDecay;
     bytes.replace(bytes.find("\t3\t"), 3, "\t" + std::string(count) + "\t");
     CSpline table;
@@ -476,6 +549,17 @@ TEST_F(CompactTable, OutOfOrderTheFirstPairThatHoldsXAnswers) {
   EXPECT_EQ(table.Evaluate(4), 7);
 }
 
+TEST_F(CompactTable, LastXThatIsNoNumberEndsNoPair) {
+  for (std::string const xs : {"0\t1\tnan", "0\t1\tnan\tnan\tnan"}) {
+    SCOPED_TRACE(xs);
+    CSpline table;
+    Read2(table, std::string("0\t1\t") + (xs.size() < 10 ? "3" : "5") + "\nx\t" + xs +
+                     "\ny\t5\t6\t7\t7\t7\n");
+    EXPECT_EQ(table.Evaluate(0.5F), 5.5F);
+    EXPECT_EQ(table.Evaluate(3), 7);
+  }
+}
+
 // A step is met first at its middle only behind an x that is no number.
 TEST_F(CompactTable, StepAnswersWithItsMiddle) {
   CSpline table;
@@ -489,6 +573,22 @@ TEST_F(CompactTable, TwoPointsAtOneXCannotBeParted) {
   table.Simplify();
   EXPECT_TRUE(table.TableLinear());
   EXPECT_EQ(table.GetSize(), 2);
+}
+
+// The order of its points is nobody's promise then, but it comes to an end.
+TEST_F(CompactTable, OutOfOrderIsThinnedAllTheSame) {
+  for (char const *xs :
+       {"3\t2\t1\t0\t5", "0\t0\t0\t0\t0", "nan\t1\tnan\t0\tinf", "5\t-inf\t5\tnan\t5",
+        "0\t9\t1\t8\t2", "0\t1\t2\t3\tnan", "0\tnan\tnan\tnan\tnan"}) {
+    SCOPED_TRACE(xs);
+    CSpline table;
+    Read2(table, std::string("0\t1\t5\nx\t") + xs + "\ny\t1\t1\t2\t2\t2\n");
+    ASSERT_EQ(table.GetSize(), 5);
+    table.Simplify();
+    EXPECT_TRUE(table.TableLinear());
+    EXPECT_LE(table.GetSize(), 6);
+    for (float x = -1; x < 10; x += 0.5F) table.Evaluate(x);
+  }
 }
 
 TEST_F(CompactTable, FailedNumberRepeatsTheLastOneEvenThatOfX) {
@@ -505,7 +605,8 @@ TEST_F(CompactTable, FailedNumberRepeatsTheLastOneEvenThatOfX) {
 TEST_F(CompactTable, CountThatIsNoneChangesNothing) {
   std::string const rest = "\nx\t1\t2\t3\ny\t1\t2\t3\n";
   for (char const *first : {"", "5\t6", "5\t6\tword", "word", "5\t6\t0", "5\t6\t-3",
-                            "5\t6\t2147483647", "5\t6\t1000"}) {
+                            "5\t6\t2147483647", "5\t6\t2147483648", "5\t6\t4294967299",
+                            "5\t6\t99999999999999999999", "5\t6\t-4294967293", "5\t6\t1000"}) {
     SCOPED_TRACE(first);
     CSpline table = Decay();
     Read2(table, first + rest);
@@ -517,6 +618,208 @@ TEST_F(CompactTable, CountThatIsNoneChangesNothing) {
   Read2(table, "5\t6\t1\n");
   ExpectDecay(table);
   EXPECT_TRUE(application.boxes.empty());
+}
+
+TEST_F(CompactTable, CountEndsWhereItsDigitsDo) {
+  for (char const *count : {"3abc", "3.7", "+3", "  3 4"}) {
+    SCOPED_TRACE(count);
+    CSpline table;
+    Read2(table, std::string("0\t1\t") + count + "\nx\t1\t2\t3\ny\t4\t5\t6\nnext\n");
+    EXPECT_EQ(PointsOf(table), (Pairs{{1, 4}, {2, 5}, {3, 6}}));
+    EXPECT_EQ(Rest(), "next\n");
+  }
+}
+
+// The two lines have twelve bytes, and more stand behind them: eleven and twelve points are read,
+// thirteen are not.
+TEST_F(CompactTable, CountIsBelievedUpToTheBytesOfItsLines) {
+  std::string const lines = "\nxx\tw\t2\nyy\tw\n" + std::string(100, 'z') + "\n";
+  for (int count : {11, 12, 13}) {
+    CSpline table = Decay();
+    Read2(table, "0\t1\t" + std::to_string(count) + lines);
+    if (count < 13) {
+      EXPECT_EQ(PointsOf(table), Pairs(static_cast<std::size_t>(count), {0, 0}));
+      EXPECT_STREQ(table.YLabel(), "yy");
+    } else {
+      ExpectDecay(table);
+    }
+  }
+}
+
+// A failed number may take the bytes that could have begun one; the next is tried behind them.
+TEST_F(CompactTable, NumberBehindAFailedOneIsRead) {
+  CSpline table;
+  Read2(table, "0\t1\t4\nx\t5\t--6\t-\t7\ny\t1\t2\t3\t4\n");
+  EXPECT_EQ(PointsOf(table), (Pairs{{5, 1}, {5, 2}, {-6, 3}, {-6, 4}}));
+  EXPECT_EQ(Rest(), "");
+}
+
+// The rule as it is told, for a count that is believed: each number is tried, whatever came of the
+// one before it.
+struct NaiveTable {
+  Pairs points;
+  std::string xLabel;
+  std::string yLabel;
+  long long bytes = 0;  // of the two lines
+  std::string rest;
+};
+
+NaiveTable ReadNaively(CStdioFile &file) {
+  NaiveTable table;
+  char line[4096];
+  GetLine(line, 4096, file);
+  float unused = 0;
+  int count = 0;
+  EXPECT_EQ(std::sscanf(line, " %f %f %d", &unused, &unused, &count), 3);
+  long long const begin = file.Seek(0, CFile::current);
+  table.points.resize(static_cast<std::size_t>(count));
+  double last = 0;
+  ReadStr(line, 4096, file, '\t');
+  table.xLabel = line;
+  for (auto &point : table.points) {
+    ReadDbl(last, file);
+    point.first = last;
+  }
+  SkipRestOfLine(file);
+  ReadStr(line, 4096, file, '\t');
+  table.yLabel = line;
+  for (auto &point : table.points) {
+    ReadDbl(last, file);
+    point.second = last;
+  }
+  SkipRestOfLine(file);
+  table.bytes = file.Seek(0, CFile::current) - begin;
+  for (char byte = 0; file.Read(&byte, 1) == 1;) table.rest += byte;
+  return table;
+}
+
+std::string RandomLine(std::mt19937 &random) {
+  static constexpr char kAlphabet[] = "0123456789.-+eEinfax \t\t\t\n\r";
+  std::string line = "label\t";
+  for (std::size_t n = random() % 40; n-- > 0;)
+    line += kAlphabet[random() % (sizeof kAlphabet - 1)];
+  return line + "\n";
+}
+
+TEST_F(CompactTable, DamagedLinesAgreeWithTheRuleOverSeededTexts) {
+  int read = 0;
+  for (unsigned int seed = 1; seed <= 2000; ++seed) {
+    SCOPED_TRACE(seed);
+    std::mt19937 random(seed);
+    int const count = 1 + static_cast<int>(random() % 12);
+    std::string bytes = "0\t1\t" + std::to_string(count) + "\n";
+    for (int line = 0; line < 4; ++line) bytes += RandomLine(random);
+    Open(bytes);
+    NaiveTable const naive = ReadNaively(file);
+    CSpline table;
+    Read2(table, bytes);
+    ASSERT_EQ(Rest(), naive.rest);
+    // Of what fails a byte or two more may have been read than are counted.
+    if (naive.bytes < count) {
+      ASSERT_EQ(table.GetSize(), 0);
+    } else if (table.GetSize() != 0 || naive.bytes > 2 * count) {
+      ++read;
+      ASSERT_STREQ(table.XLabel(), naive.xLabel.c_str());
+      ASSERT_STREQ(table.YLabel(), naive.yLabel.c_str());
+      ASSERT_EQ(table.GetSize(), count);
+      for (int i = 0; i < count; ++i) {
+        auto const &[x, y] = naive.points[static_cast<std::size_t>(i)];
+        ASSERT_TRUE(table.GetXAt(i) == x || (std::isnan(x) && std::isnan(table.GetXAt(i)))) << i;
+        ASSERT_TRUE(table.GetYAt(i) == y || (std::isnan(y) && std::isnan(table.GetYAt(i)))) << i;
+      }
+    }
+  }
+  EXPECT_GT(read, 1900);
+}
+
+TEST_F(CompactTable, ZeroByteIsNoNumber) {
+  CSpline table;
+  Read2(table, std::string("0\t1\t2\nx\t5\t\0\t7\ny\t1\t2\n", 20));
+  EXPECT_EQ(PointsOf(table), (Pairs{{5, 1}, {5, 2}}));
+}
+
+// A file that can only be read forward.
+class ForwardFile : public CStdioFile {
+ public:
+  long long Seek(long long /*offset*/, unsigned int /*from*/) override {
+    throw CFileException(CFileException::badSeek);
+  }
+  long long GetLength() override { throw CFileException(CFileException::badSeek); }
+};
+
+TEST_F(CompactTable, AnyNumberOfThemAreReadForward) {
+  constexpr int kTables = 1000;
+  std::string bytes;
+  for (int i = 0; i < kTables; ++i)
+    bytes += "0\t1\t2\r\nx\t" + std::to_string(i) + "\t2000\r\ny\t1\t2\r\n";
+  ForwardFile forward;
+  ASSERT_TRUE(forward.Open(directory.Write("a.txt", bytes).c_str(), CFile::modeRead));
+  for (int i = 0; i < kTables; ++i) {
+    CSpline table;
+    table.OnRead2(forward);
+    ASSERT_EQ(PointsOf(table), (Pairs{{i, 1}, {2000, 2}})) << i;
+    ASSERT_STREQ(table.YLabel(), "y");
+  }
+}
+
+TEST_F(CompactTable, IsReadThroughAPipe) {
+  std::string const from = directory.Write("a.txt", kCompactDecay + kCompactDecay);
+  for (unsigned int const type : {CFile::typeText, CFile::typeBinary}) {
+    std::string const pipe = directory.Path("pipe" + std::to_string(type));
+    std::string const command =
+        "mkfifo '" + pipe + "' && { cat '" + from + "' > '" + pipe + "' & }";
+    if (std::system(command.c_str()) != 0) GTEST_SKIP() << "this system has no named pipes";
+    ASSERT_TRUE(file.Open(pipe.c_str(), CFile::modeRead | type));
+    for (int i = 0; i < 2; ++i) {
+      CSpline table = Decay();
+      table.RemoveAll();
+      table.OnRead2(file);
+      ExpectDecay(table);
+    }
+    EXPECT_EQ(Rest(), "");
+  }
+}
+
+TEST_F(CompactTable, ErrorOfTheDevicePassesThroughAndChangesNothing) {
+  std::string const path = directory.Write("a.txt", "0\t1\t2\nlabel\t1\t2\nother\t3\t4\n");
+  FailingFile failing;
+  int thrown = 0;
+  for (long bytes = 0;; ++bytes) {
+    ASSERT_TRUE(failing.Open(path.c_str(), CFile::modeRead));
+    failing.bytesLeft = bytes;
+    CSpline table = Decay();
+    try {
+      table.OnRead2(failing);
+      EXPECT_EQ(PointsOf(table), (Pairs{{1, 3}, {2, 4}}));
+      break;
+    } catch (CFileException const &reason) {
+      EXPECT_EQ(reason.m_cause, CFileException::hardIO);
+      ExpectDecay(table);
+      ++thrown;
+    }
+  }
+  EXPECT_GT(thrown, 10);
+}
+
+TEST_F(CompactTable, FailedAllocationChangesNothing) {
+  std::string const path = directory.Write(
+      "a.txt", "0\t1\t3\na label of some length\t1\t2\t3\nanother label of some length\t4\t5\t6\n");
+  int failed = 0;
+  for (long n = 1;; ++n) {
+    ASSERT_TRUE(file.Open(path.c_str(), CFile::modeRead));
+    CSpline table = Decay();
+    try {
+      FailingAllocation const failing(n);
+      table.OnRead2(file);
+    } catch (std::bad_alloc const &) {
+      ++failed;
+      ExpectDecay(table);
+      continue;
+    }
+    EXPECT_EQ(PointsOf(table), (Pairs{{1, 4}, {2, 5}, {3, 6}}));
+    break;
+  }
+  EXPECT_GT(failed, 3);
 }
 
 TEST_F(CompactTable, EarlierCurveStaysInForce) {

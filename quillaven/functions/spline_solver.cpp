@@ -15,8 +15,8 @@ constexpr double kSmallestPivot = 1e-8;
 // The vector of row numbers holds 16-bit integers, so no larger matrix can be inverted.
 constexpr int kLargestMatrix = std::numeric_limits<std::int16_t>::max();
 
-// A curve of a thousand million units is a mistake in the table, not a curve: its samples would
-// take more than a gigabyte.
+// A curve of a thousand million units is taken for a mistake in the table, on machines of any size:
+// its samples would take more than a gigabyte, and each evaluation walks through them.
 constexpr double kMostSamples = 1 << 26;
 
 using Points = std::vector<CSplinePoint>;

@@ -45,7 +45,7 @@ using CSmartIOShortVector = CSmartIOVector<std::int16_t>;
 /// before them are dropped. The last point is in the output only if its segment is such a line.
 ///
 /// Throws std::string: "spline only for n >= 3 points" if fewer are given or left, and "unable to
-/// invert spline matrix". Throws std::bad_alloc for a curve of more samples than a machine holds.
+/// invert spline matrix". Throws std::bad_alloc for a curve of more than 2^26 samples.
 /// Takes time with the cube of the number of points, memory with the square.
 void BuildSplineCurve(std::vector<CSplinePoint> points, std::vector<CSplinePoint> &output,
                       double step);

@@ -14,6 +14,8 @@
 
 #include <quillaven/functions/spline_solver_internal.h>
 
+#include "tests/support/allocation_count.h"
+
 namespace {
 
 using Points = std::vector<CSplinePoint>;
@@ -364,6 +366,11 @@ TEST(SplineSolver, StraightLineGivesSamplesOnItOneStepApart) {
     EXPECT_NEAR(curve[i].x, 0.6 * s, 1e-4) << i;
     EXPECT_NEAR(curve[i].y, 0.8 * s, 1e-4) << i;
   }
+  // The tangents are constant: so is the way from each sample to the next, across the points too.
+  for (std::size_t i = 2; i < curve.size(); ++i) {
+    EXPECT_NEAR(curve[i].x - curve[i - 1].x, 6, 1e-4) << i;
+    EXPECT_NEAR(curve[i].y - curve[i - 1].y, 8, 1e-4) << i;
+  }
 }
 
 TEST(SplineSolver, LastPointIsNotReachedUnlessItsSegmentIsStraightened) {
@@ -397,13 +404,42 @@ TEST(SplineSolver, SegmentShorterThanTheRestOfTheStepYieldsOneSampleBeyondItsEnd
   EXPECT_NEAR(curve[5].x, 8 + 32, 1e-3);
 }
 
-// Of more rows than the vector of row numbers can tell apart there is no inverse.
+// Of more rows than the vector of row numbers can tell apart there is no inverse. This is the one
+// way to the message: a system of chords has more on its diagonal than beside it, and chords that
+// are no numbers hold no pivot that counts as too small.
 TEST(SplineSolver, CurveWithoutAnInverseThrows) {
   std::vector<CSplinePoint> many(40000);
   for (std::size_t i = 0; i < many.size(); ++i) many[i].x = static_cast<double>(i);
   Points curve;
   EXPECT_EQ(TextThrownBy([&] { BuildSplineCurve(List(many), curve, 10.0); }),
             "unable to invert spline matrix");
+}
+
+int g_handlerCalls = 0;
+
+void CountAndGiveUp() {
+  ++g_handlerCalls;
+  throw std::bad_alloc();
+}
+
+// Whether memory is asked for the samples of a curve whose chords have this length in all. A
+// gigabyte is not there, so that it comes to nothing.
+bool AsksForSamples(double chords) {
+  g_handlerCalls = 0;
+  std::new_handler const before = std::set_new_handler(CountAndGiveUp);
+  RefuseAllocationsFrom(std::size_t{1} << 29);
+  Points curve;
+  EXPECT_THROW(BuildSplineCurve(List({{0, 0}, {1, chords / 2}, {2, 0}}), curve, 10.0),
+               std::bad_alloc);
+  RefuseAllocationsFrom(0);
+  std::set_new_handler(before);
+  return g_handlerCalls > 0;
+}
+
+// The page of the format tells this figure.
+TEST(SplineSolver, CurveOfMoreThanAbout670MillionUnitsIsRefused) {
+  EXPECT_TRUE(AsksForSamples(6.71e8));
+  EXPECT_FALSE(AsksForSamples(6.72e8));
 }
 
 TEST(SplineSolver, CurveLongerThanAnyMemoryIsRefused) {
@@ -475,6 +511,17 @@ TEST(InvertMatrix, SingularMatrixGivesFalse) {
   EXPECT_FALSE(InvertMatrix(tiny));
   CSmartIOFloatMatrix small = Matrix({{1.1e-8F}});
   EXPECT_TRUE(InvertMatrix(small));
+}
+
+// The cells are never looked at, so that they cost address space and no memory.
+TEST(InvertMatrix, OfMoreRowsThanTheirNumbersHoldGivesFalse) {
+  CSmartIOFloatMatrix matrix;
+  try {
+    matrix.Resize(32768, 32768);
+  } catch (std::bad_alloc const &) {
+    GTEST_SKIP() << "this system does not promise four gigabytes";
+  }
+  EXPECT_FALSE(InvertMatrix(matrix));
 }
 
 TEST(InvertMatrix, MatrixThatIsNotSquareThrows) {

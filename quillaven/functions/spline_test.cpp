@@ -1,8 +1,10 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <new>
 #include <random>
 #include <string>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -128,6 +130,15 @@ TEST(FunctionTable, LinearTableAnswersOnItsLinesAndWithItsEnds) {
 TEST(FunctionTable, LimitsHaveNoPartInEvaluation) {
   CSpline table = Table({{-100, 500}, {100, 900}, {200, 900}});
   EXPECT_EQ(table.Evaluate(0), 700);
+}
+
+TEST(FunctionTable, NoNumberCountsAsLeftOfATableOfAnyKind) {
+  EXPECT_EQ(Table({{0, 4}, {1, 10}}).Evaluate(kNan), 4);
+  CSpline table = Table({{0, 4}, {1, 10}, {2, 6}}, false);
+  EXPECT_EQ(table.Evaluate(kNan), 4);
+  EXPECT_FALSE(CSplineAccess::CurveValid(table));
+  table.Evaluate(0.5F);
+  EXPECT_EQ(table.Evaluate(kNan), 4);
 }
 
 TEST(FunctionTable, BothFormsOfEvaluateAgree) {
@@ -354,6 +365,68 @@ TEST(FunctionTable, CopiesTakeEverythingWithThem) {
     EXPECT_TRUE(CSplineAccess::CurveValid(*other));
     EXPECT_GT(SamplesOf(*other), 70U);
   }
+}
+
+TEST(FunctionTable, CopyOfATableWithoutACurveBuildsItsOwn) {
+  CSpline table = Table({{0, 0}, {0.5, 1}, {1, 0}}, false);
+  table.Evaluate(0.2F);
+  table.Add(0.5, 2);  // the samples are still there, with their flag down
+  CSpline copy(table);
+  EXPECT_FALSE(CSplineAccess::CurveValid(copy));
+  EXPECT_EQ(SamplesOf(copy), SamplesOf(table));
+  EXPECT_EQ(copy.Evaluate(0.3F), table.Evaluate(0.3F));
+  EXPECT_NEAR(copy.Evaluate(0.5F), 2, 0.02);
+}
+
+TEST(FunctionTable, AssignmentThatFindsNoMemoryChangesNothing) {
+  CSpline source = Table({{0, 0}, {0.5, 1}, {0.7, 2}, {1, 0}}, false);
+  source.Name("a name that has to be allocated");
+  source.Evaluate(0.2F);
+  int failed = 0;
+  for (long n = 1;; ++n) {
+    CSpline table = Table({{0, 1}, {1, 2}});
+    table.Name("earlier");
+    try {
+      FailingAllocation const failing(n);
+      table = source;
+    } catch (std::bad_alloc const &) {
+      ++failed;
+      EXPECT_EQ(PointsOf(table), (Pairs{{0, 1}, {1, 2}}));
+      EXPECT_STREQ(table.Name(), "earlier");
+      EXPECT_TRUE(table.TableLinear());
+      EXPECT_EQ(table.Evaluate(0.5F), 1.5F);
+      continue;
+    }
+    EXPECT_EQ(PointsOf(table), PointsOf(source));
+    break;
+  }
+  EXPECT_EQ(failed, 4);  // the name, x, y and the curve
+}
+
+static_assert(std::is_nothrow_move_constructible_v<CSpline>);
+static_assert(std::is_nothrow_move_assignable_v<CSpline>);
+
+TEST(FunctionTable, MovedFromIsATableLikeOthers) {
+  CSpline table = Table({{0, 0}, {0.5, 1}, {1, 0}}, false);
+  table.Name("n");
+  table.MaxX(7);
+  table.Evaluate(0.2F);
+  CSpline moved(std::move(table));
+  EXPECT_EQ(moved.GetSize(), 3);
+  EXPECT_STREQ(moved.Name(), "n");
+  EXPECT_EQ(moved.MaxX(), 7);
+  EXPECT_FALSE(moved.TableLinear());
+  EXPECT_TRUE(CSplineAccess::CurveValid(moved));
+  EXPECT_GT(SamplesOf(moved), 70U);
+  // NOLINTNEXTLINE(bugprone-use-after-move)
+  EXPECT_EQ(table.GetSize(), 0);
+  EXPECT_TRUE(table.TableLinear());
+  EXPECT_FALSE(CSplineAccess::CurveValid(table));
+  table = std::move(moved);
+  EXPECT_EQ(table.GetSize(), 3);
+  EXPECT_TRUE(CSplineAccess::CurveValid(table));
+  table = *&table;
+  EXPECT_EQ(table.GetSize(), 3);
 }
 
 template <class Work>

@@ -576,6 +576,7 @@ bool RoundTrip(CMatrixBaseMap<T> &map, CMultiScaleMatrix<T> &raster, std::mt1993
   map.m_nCols = cols;
   std::string const stored = Store(map);
   Load(map, stored);
+  DefaultResolutionMap(nullptr);
   for (int row = 0; row < rows; ++row)
     for (int col = 0; col < cols; ++col)
       if (raster.At(row, col) != before.At(row, col)) return false;

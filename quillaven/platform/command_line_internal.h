@@ -13,7 +13,8 @@
 /// The words of a command line; none for a text of blanks. Blanks and tabs part words, and double
 /// quotes hold them together; one that is not closed holds to the end of the text.
 ///
-/// In the first word, the program, a backslash is only a backslash. In the others 2n backslashes
+/// The first word is the program: one with a blank in its path must be quoted, as nothing is tried
+/// out on the file system. A backslash in it is only a backslash. In the others 2n backslashes
 /// before a quote are n of them and the quote, 2n + 1 are n of them and a quote that is text;
 /// elsewhere a backslash is only a backslash. Two quotes within quotes are one that is text.
 std::vector<std::string> SplitCommandLine(char const *line);

@@ -26,6 +26,16 @@ TEST(CommandLine, HoldsQuotedWordsTogether) {
             (Words{"C:\\My tools\\sim.exe", "a b", "c d"}));
 }
 
+// Where the program ends is a matter of the text alone.
+TEST(CommandLine, EndsAnUnquotedProgramAtItsFirstBlank) {
+  EXPECT_EQ(SplitCommandLine("C:\\My tools\\sim.exe -n"),
+            (Words{"C:\\My", "tools\\sim.exe", "-n"}));
+}
+
+TEST(CommandLine, TakesLineEndsForOrdinaryBytes) {
+  EXPECT_EQ(SplitCommandLine("sim\n x\ny \r\n"), (Words{"sim\n", "x\ny", "\r\n"}));
+}
+
 TEST(CommandLine, KeepsEmptyQuotedWords) {
   EXPECT_EQ(SplitCommandLine("sim \"\" x"), (Words{"sim", "", "x"}));
   EXPECT_EQ(SplitCommandLine("\"\" x"), (Words{"", "x"}));

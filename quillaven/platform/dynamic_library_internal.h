@@ -29,11 +29,11 @@ class DynamicLibrary {
 };
 
 /// The module of that name if it is loaded already, else null; nothing is loaded. A null name is the
-/// main program.
+/// main program, as its path or its bare file name are; an empty name is none.
 void *LoadedModule(char const *name);
 
-/// The full path of a loaded module; empty if that cannot be told within `limit` bytes, of which one
-/// is the zero byte at its end.
+/// The full path of a loaded module, whatever the working directory is now; empty if that cannot be
+/// told within `limit` bytes, of which one is the zero byte at its end.
 std::string ModulePath(void *module, std::size_t limit);
 
 /// Calls an entry that the module itself has; nothing if it has none. Entries of other libraries

@@ -22,8 +22,10 @@ struct FoundValue {
   std::size_t length = 0;
 };
 
+// What is loaded under the name itself comes before a file that the name is matched with.
 void *FindModule(char const *module) {
-  return module != nullptr ? LoadedModule(SystemPath(module).c_str()) : LoadedModule(nullptr);
+  void *const loaded = LoadedModule(module);
+  return loaded != nullptr || module == nullptr ? loaded : LoadedModule(SystemPath(module).c_str());
 }
 
 FoundValue Find(std::vector<unsigned char> const &block, char const *query) {
@@ -73,7 +75,7 @@ void CModuleVersion::ReadTranslation() {
 CString CModuleVersion::GetValue(char const *key) const {
   if (m_VersionData.empty()) return {};
   CString query;
-  query.Format("\\StringFileInfo\\%04x%04x\\%s", m_Language, m_CodePage, key);
+  query.Format("\\StringFileInfo\\%04x%04x\\%s", m_Language, m_CodePage, key != nullptr ? key : "");
   FoundValue const text = Find(m_VersionData, query);
   return std::string(text.bytes, std::find(text.bytes, text.bytes + text.length, '\0'));
 }

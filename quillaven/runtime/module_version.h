@@ -28,15 +28,16 @@ class QUILLAVEN_API CModuleVersion : public tagVS_FIXEDFILEINFO {
   CModuleVersion &operator=(CModuleVersion const &) = default;
   virtual ~CModuleVersion();
 
-  /// Reads the version block of a module that is loaded already, the main program for null. A file
-  /// that is only on disk is not read. False if the module is not loaded, if its path has 260
-  /// characters or more, or if it has no block whose fixed record begins with 0xFEEF04BD. Whatever
-  /// happens, the fields are those of this call and the code page is 1252 unless the file says
-  /// otherwise; a block that was read before is kept until another takes its place.
+  /// Reads the version block of a module that is loaded already, by its path or file name; the main
+  /// program for null. A file that is only on disk is not read. False if the module is not loaded,
+  /// if its path has 260 characters or more, or if it has no block whose fixed record begins with
+  /// 0xFEEF04BD. Whatever happens, the fields are those of this call and the code page is 1252
+  /// unless the file says otherwise; a block that was read before is kept until another takes its
+  /// place.
   int GetFileVersionInfoA(char const *module);
 
   /// A text of the block, such as "FileVersion", in the first language that the file lists; empty if
-  /// there is none. The key is spelled as the block has it.
+  /// there is none. The key is spelled as the block has it; null counts as an empty one.
   CString GetValue(char const *key) const;
 
   /// Asks a loaded library for its version through its own entry DllGetVersion; the main program for

@@ -13,6 +13,7 @@
 #include <quillaven/runtime/module_version.h>
 
 #include "tests/support/temporary_directory.h"
+#include "tests/support/working_directory.h"
 
 namespace {
 
@@ -147,6 +148,61 @@ TEST_F(ModuleVersion, OfAFileThatIsOnlyOnDiskIsFalse) {
   EXPECT_EQ(LoadedModule(COMPONENT_REGISTERING), nullptr);  // it was not loaded by the question
 }
 
+TEST_F(ModuleVersion, OfAnEmptyNameIsFalse) {
+  PutUsualValues();
+  EXPECT_FALSE(version.GetFileVersionInfoA(""));
+  EXPECT_TRUE(source.paths.empty());
+  ExpectFieldsOf0();
+}
+
+TEST_F(ModuleVersion, OfTheMainProgramIsFoundByItsPathAndFileNameToo) {
+  PutUsualValues();
+  std::string const program = ModulePath(LoadedModule(nullptr), 4096);
+  EXPECT_TRUE(version.GetFileVersionInfoA(program.c_str()));
+  EXPECT_EQ(source.paths.at(0), program);
+  EXPECT_TRUE(version.GetFileVersionInfoA(LibraryPath(program).c_str()));
+  EXPECT_TRUE(version.GetFileVersionInfoA(fs::path(program).filename().string().c_str()));
+  EXPECT_EQ(source.paths.back(), program);
+}
+
+// A folder of that name but for case has no part in it.
+TEST_F(ModuleVersion, OfALoadedNameIsNotThatOfAFileInTheWorkingDirectory) {
+  PutUsualValues();
+  DynamicLibrary const library(COMPONENT_REGISTERING);
+  std::string const name = fs::path(COMPONENT_REGISTERING).filename().string();
+  std::string other = name;
+  other[0] = 'L';
+  TemporaryDirectory const directory;
+  fs::create_directory(directory.Path(other));
+  WorkingDirectory const inside(directory.Path());
+  EXPECT_TRUE(version.GetFileVersionInfoA(name.c_str()));
+  EXPECT_EQ(source.paths.at(0), COMPONENT_REGISTERING);
+}
+
+void ExpectFullPath(fs::path const &path, fs::path const &file) {
+  EXPECT_TRUE(path.is_absolute()) << path;
+  EXPECT_EQ(path, path.lexically_normal());
+  EXPECT_TRUE(fs::equivalent(path, file)) << path;
+}
+
+TEST_F(ModuleVersion, OfALibraryLoadedFromTheWorkingDirectoryIsReadByItsFullPathEverAfter) {
+  PutUsualValues();
+  TemporaryDirectory const directory;
+  std::string const path = directory.Path("here.dll");
+  fs::copy_file(COMPONENT_REGISTERING, path);
+  for (std::string const name : {"./here.dll", "here.dll"}) {
+    SCOPED_TRACE(name);
+    WorkingDirectory const inside(directory.Path());
+    DynamicLibrary const library(name);
+    ASSERT_TRUE(library.IsOpen());
+    EXPECT_TRUE(version.GetFileVersionInfoA(name.c_str()));
+    ExpectFullPath(source.paths.back(), path);
+    WorkingDirectory const elsewhere(fs::temp_directory_path().root_path());
+    EXPECT_TRUE(version.GetFileVersionInfoA(path.c_str()));
+    ExpectFullPath(source.paths.back(), path);
+  }
+}
+
 // Copies a library to a path of that length.
 std::string CopyToPathOf(std::size_t length, TemporaryDirectory const &directory) {
   fs::path folder = directory.Path();
@@ -221,6 +277,7 @@ TEST_F(ModuleVersion, HasNoTextForAKeyThatTheBlockDoesNotHold) {
   ASSERT_TRUE(version.GetFileVersionInfoA(nullptr));
   EXPECT_EQ(version.GetValue("CompanyName"), "");
   EXPECT_EQ(version.GetValue(""), "");
+  EXPECT_EQ(version.GetValue(nullptr), "");
   EXPECT_EQ(version.GetValue(std::string(10000, 'k').c_str()), "");
 }
 

@@ -21,21 +21,28 @@ void CallHandler() {
   if (g_handler == nullptr || g_handler(0) == 0) throw std::bad_alloc();
 }
 
-// The box of a process that has no memory. What the box itself cannot get must not bring the next
-// box, so a failure in here is quiet.
-void ShowOutOfMemoryBox() {
+// Shows a box in a process that has no memory. What the box itself cannot get must not bring the next
+// box, and no failure of it may keep the process from what comes behind it.
+template <class Show>
+void Quietly(Show const &show) noexcept {
   CNewHandlerInstaller const quiet(AnsiCPPNewHandler);
   try {
-    ShowMessageBox("Out of memory\nClose some applications and try again", kTitle);
-  } catch (std::bad_alloc const &) {
+    show();
+  } catch (...) {
     return;
   }
 }
 
-[[noreturn]] void EndForLackOfMemory(char const *name) {
-  std::string const text = std::string("Not enough memory to run '") + name + "'\n" +
-                           "Try again with a lower memory demanding simulation.";
-  ShowMessageBox(text.c_str(), kTitle);
+void ShowOutOfMemoryBox() noexcept {
+  Quietly([] { ShowMessageBox("Out of memory\nClose some applications and try again", kTitle); });
+}
+
+[[noreturn]] void EndForLackOfMemory(char const *name) noexcept {
+  Quietly([name] {
+    std::string const text = std::string("Not enough memory to run '") + name + "'\n" +
+                             "Try again with a lower memory demanding simulation.";
+    ShowMessageBox(text.c_str(), kTitle);
+  });
   std::exit(1);
 }
 

@@ -8,7 +8,8 @@
 //
 // From the moment the library is loaded a failed allocation tells the user in plain words and then
 // throws: QuillavenVerboseNewHandler is in force, unless a guard was made before. At the end of the
-// process the handler from before the load comes back.
+// process the handler from before the load comes back. The load is that of the shared library; of a
+// static one a program has the load action only if it uses something of this header.
 //
 // The handler belongs to the process: a guard on one thread changes what a failure does on all, and
 // guards are not synchronised.
@@ -49,7 +50,8 @@ class QUILLAVEN_API CNewHandlerInstaller {
 };
 
 /// Shows "Out of memory\nClose some applications and try again" in a box titled "Quillaven", then
-/// throws std::bad_alloc. Memory that the box itself cannot get brings no second box.
+/// throws std::bad_alloc. Memory that the box itself cannot get brings no second box, and what the
+/// box throws goes no further; so it is for the other boxes of this header.
 [[noreturn]] QUILLAVEN_API int QuillavenVerboseNewHandler(unsigned int bytes);
 /// Shows the same box, then ends the process with exit(1).
 [[noreturn]] QUILLAVEN_API int QuillavenVerboseNewHandlerWithExit(unsigned int bytes);
@@ -62,6 +64,6 @@ QUILLAVEN_API int VCNewHandler(unsigned int bytes);
 
 /// Tells by trying whether a run will fit: asks for `bytes` and gives them back at once. If they
 /// are not there, shows "Not enough memory to run '`name`'" with the advice to try a simulation
-/// that demands less, and ends the process with exit(1). A return means that the block was there at
-/// that moment, nothing more; the handler is then the one from before.
+/// that demands less, and ends the process with exit(1), box or no box. A return means that the
+/// block was there at that moment, nothing more; the handler is then the one from before.
 QUILLAVEN_API void CheckMemoryAvailable(unsigned int bytes, char const *name);

@@ -72,20 +72,35 @@ TEST(NewHandler, ThrowsTheStandardFailureWithTheTextOfTheStandardLibrary) {
   }
 }
 
-// An application whose box cannot get the memory that it needs.
-struct HungryApplication : CApplication {
-  HungryApplication() : before(SetApplication(this)) {}
-  ~HungryApplication() override { SetApplication(before); }
-  HungryApplication(HungryApplication const &) = delete;
-  HungryApplication &operator=(HungryApplication const &) = delete;
+// An application whose box tells of itself, and fails.
+struct FailingApplication : CApplication {
+  FailingApplication() : before(SetApplication(this)) {}
+  ~FailingApplication() override { SetApplication(before); }
+  FailingApplication(FailingApplication const &) = delete;
+  FailingApplication &operator=(FailingApplication const &) = delete;
   int DoMessageBox(char const * /*text*/, char const * /*title*/, unsigned int /*type*/,
                    unsigned int /*helpId*/) override {
-    ++boxes;
-    return AskForTheImpossible() != nullptr;
+    std::fprintf(stderr, "[box %d]", ++boxes);
+    return Fail();
   }
+  virtual int Fail() = 0;
   CApplication *before;
   int boxes = 0;
 };
+
+// One whose box cannot get the memory that it needs.
+struct HungryApplication : FailingApplication {
+  int Fail() override { return AskForTheImpossible() != nullptr; }
+};
+
+// One whose box throws something of its own.
+struct ThrowingApplication : FailingApplication {
+  int Fail() override { throw std::string("no screen"); }
+};
+
+testing::Matcher<std::string const &> OneBox() {
+  return AllOf(HasSubstr("[box 1]"), Not(HasSubstr("[box 2]")));
+}
 
 TEST(NewHandler, ABoxThatRunsOutOfMemoryBringsNoSecondBox) {
   HungryApplication application;
@@ -111,7 +126,24 @@ TEST(NewHandlerDeathTest, VerboseWithExitEndsTheProcessEvenWhenTheBoxRunsOutOfMe
         HungryApplication const application;
         QuillavenVerboseNewHandlerWithExit(1);
       },
-      ExitedWithCode(1), "");
+      ExitedWithCode(1), OneBox());
+}
+
+TEST(NewHandler, ABoxThatThrowsDoesNotReplaceTheFailure) {
+  ThrowingApplication application;
+  EXPECT_THROW(AskForTheImpossible(), std::bad_alloc);
+  EXPECT_EQ(AskQuietlyForTheImpossible(), nullptr);
+  EXPECT_EQ(application.boxes, 2);
+  EXPECT_EQ(CurrentAllocationBehaviour().handler, QuillavenVerboseNewHandler);
+}
+
+TEST(NewHandlerDeathTest, VerboseWithExitEndsTheProcessEvenWhenTheBoxThrows) {
+  EXPECT_EXIT(
+      {
+        ThrowingApplication const application;
+        QuillavenVerboseNewHandlerWithExit(1);
+      },
+      ExitedWithCode(1), OneBox());
 }
 
 TEST(NewHandler, AnsiThrowsWithNoBox) {
@@ -259,12 +291,13 @@ struct TellingApplication : CApplication {
   int DoMessageBox(char const *text, char const *title, unsigned int type,
                    unsigned int /*helpId*/) override {
     std::fprintf(stderr, "[%s|%s|%u|%d]", title, text, type,
-                 CurrentAllocationBehaviour().handler == QuillavenVerboseNewHandler);
+                 CurrentAllocationBehaviour().handler == AnsiCPPNewHandler);
     return 1;
   }
 };
 
-TEST(CheckMemoryAvailableDeathTest, ShowsItsBoxWithTheHandlerFromBeforeInForce) {
+// The memory that the box cannot get would bring a second box otherwise.
+TEST(CheckMemoryAvailableDeathTest, ShowsItsBoxWithAQuietHandlerInForce) {
   TellingApplication application;
   CApplication *const before = SetApplication(&application);
   EXPECT_EXIT(
@@ -276,6 +309,36 @@ TEST(CheckMemoryAvailableDeathTest, ShowsItsBoxWithTheHandlerFromBeforeInForce) 
       HasSubstr("[Quillaven|Not enough memory to run 'a model'\nTry again with a lower memory "
                 "demanding simulation.|0|1]"));
   SetApplication(before);
+}
+
+TEST(CheckMemoryAvailableDeathTest, EndsTheProcessEvenWhenTheBoxRunsOutOfMemory) {
+  EXPECT_EXIT(
+      {
+        HungryApplication const application;
+        RefuseAllocationsFrom(4000000000U);
+        CheckMemoryAvailable(4000000000U, "x");
+      },
+      ExitedWithCode(1), OneBox());
+}
+
+TEST(CheckMemoryAvailableDeathTest, EndsTheProcessEvenWhenTheBoxThrows) {
+  EXPECT_EXIT(
+      {
+        ThrowingApplication const application;
+        RefuseAllocationsFrom(4000000000U);
+        CheckMemoryAvailable(4000000000U, "x");
+      },
+      ExitedWithCode(1), OneBox());
+}
+
+// There is no memory for the text either.
+TEST(CheckMemoryAvailableDeathTest, EndsTheProcessWithoutABoxWhereThereIsNoMemoryForItsText) {
+  EXPECT_EXIT(
+      {
+        RefuseAllocationsFrom(1);
+        CheckMemoryAvailable(4000000000U, "x");
+      },
+      ExitedWithCode(1), Not(HasSubstr("memory")));
 }
 
 // What a command writes, its boxes first, with its status as the last line.
@@ -308,9 +371,22 @@ TEST(LoadOfTheLibrary, InstallsNothingAfterAGuardOfTheApplication) {
             "bad_alloc\nat the end no handler\nstatus 4\n");
 }
 
+TEST(LoadOfTheLibrary, TakesAGuardOfTheApplicationForSomethingInstalled) {
+  EXPECT_EQ(WrittenBy(LOAD_ACTION_AFTER_GUARD),
+            "at the start a handler, something installed\nat the end no handler\nstatus 0\n");
+}
+
 TEST(LoadOfTheLibrary, WithoutMemoryForTheGuardLeavesTheProcessAsItWas) {
   EXPECT_EQ(WrittenBy(LOAD_ACTION_WITHOUT_MEMORY),
             "at the start no handler, nothing installed\nat the end no handler\nstatus 0\n");
+}
+
+TEST(LoadOfTheLibrary, OnlyTheFirstGuardOfAProcessInstallsSomethingForGood) {
+  EXPECT_EQ(WrittenBy(LOAD_ACTION_WITHOUT_MEMORY + std::string(" guard")),
+            "at the start no handler, nothing installed\n"
+            "within a guard a handler, something installed\n"
+            "behind it no handler, something installed\n"
+            "at the end no handler\nstatus 0\n");
 }
 
 TEST(LoadOfTheLibrary, LetsAProgramAskInAdvance) {

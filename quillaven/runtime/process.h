@@ -13,7 +13,8 @@
 #include <quillaven/platform/api.h>
 
 /// Runs a program and waits for its end. The command is used as it stands: quotes are the caller's
-/// task. A bare program name is looked for along the system's path. `showState` is the window's
+/// task, and a program whose path has a blank must be quoted, as its first word ends at the blank.
+/// A bare program name is looked for along the system's path. `showState` is the window's
 /// (0: hidden) where the system has one. A program that ran and failed is no failure. What the
 /// process has open does not reach the program, except for the standard streams.
 ///
@@ -23,7 +24,9 @@
 QUILLAVEN_API void WinExecAndWait(char const *command, unsigned short showState);
 
 /// WinExecAndWait of a file alone, with no window to be seen; the name is put in quotes if it has a
-/// blank and none. A file that names no interpreter is run by the command processor.
+/// blank and none. A file that names no interpreter is run by the command processor. A bare name is
+/// looked for along the system's path, and the working directory need not be part of that: give a
+/// file that lies there with its directory.
 QUILLAVEN_API void ExecBatchFile(char const *file);
 
 /// Loads a component library, calls its entry DllRegisterServer and unloads it. True if that

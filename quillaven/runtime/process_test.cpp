@@ -15,6 +15,7 @@
 #include "tests/support/open_handles.h"
 #include "tests/support/recording_application.h"
 #include "tests/support/temporary_directory.h"
+#include "tests/support/working_directory.h"
 
 namespace {
 
@@ -131,6 +132,7 @@ ProgramRun KeepAndAnswer(char const *commandLine, unsigned short showState) {
   return g_asked.answer;
 }
 
+// No wait of this machine can be made to fail, so the system's answer is stood in for.
 TEST_F(ProcessLaunch, ShowsAndThrowsThatAWaitFailed) {
   g_asked.answer = ProgramRun::kWaitFailed;
   ProgramRunner const runner{false, KeepAndAnswer};
@@ -169,6 +171,22 @@ TEST_F(ProcessLaunch, ShowsAndThrowsThatABatchFileIsMissing) {
   std::string const file = directory.Path("no such batch");
   EXPECT_EQ(Thrown([&] { ExecBatchFile(file.c_str()); }), "Cannot execute " + Quoted(file));
   ExpectOneBox("Cannot execute " + Quoted(file));
+}
+
+TEST_F(ProcessLaunch, DoesNotLookForABareBatchFileInTheWorkingDirectory) {
+  std::filesystem::path const file = WriteBatchFile("");
+  WorkingDirectory const inside(file.parent_path());
+  EXPECT_EQ(Thrown([] { ExecBatchFile("run it"); }), "Cannot execute \"run it\"");
+  EXPECT_FALSE(directory.Has("out"));
+  ExecBatchFile("./run it");
+  EXPECT_EQ(Told(), "ran\n");
+}
+
+TEST_F(ProcessLaunch, ShowsAndThrowsThatAProgramWithABlankIsNotQuoted) {
+  std::string const file = WriteBatchFile("");
+  EXPECT_EQ(Thrown([&] { WinExecAndWait((file + " x").c_str(), 1); }),
+            "Cannot execute " + file + " x");
+  EXPECT_FALSE(directory.Has("out"));
 }
 
 TEST_F(ProcessLaunch, OnTheOlderFamilyGoesThroughTheCommandProcessor) {
@@ -246,11 +264,8 @@ TEST_F(Registration, ReportsAFileThatIsNoLibrary) {
 TEST_F(Registration, FindsABareNameInTheWorkingDirectory) {
   TemporaryDirectory const directory;
   std::filesystem::copy_file(COMPONENT_REGISTERING, directory.Path("Component.dll"));
-  std::filesystem::path const before = std::filesystem::current_path();
-  std::filesystem::current_path(directory.Path());
-  bool const registered = CallDllRegisterServer("component.DLL");
-  std::filesystem::current_path(before);
-  EXPECT_TRUE(registered);
+  WorkingDirectory const inside(directory.Path());
+  EXPECT_TRUE(CallDllRegisterServer("component.DLL"));
 }
 
 TEST_F(Registration, LeaksNothingInAThousandCalls) {

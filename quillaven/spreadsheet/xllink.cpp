@@ -38,6 +38,22 @@ unsigned long SentLength(char const *text) {
   return static_cast<unsigned long>(std::strlen(text)) + 1;
 }
 
+// An open conversation, ended at the end of its scope.
+class Conversation {
+ public:
+  explicit Conversation(CSpreadsheetTransport &transport) : m_transport(transport) {}
+  ~Conversation() { m_transport.Disconnect(); }
+  Conversation(Conversation const &) = delete;
+  Conversation &operator=(Conversation const &) = delete;
+
+ private:
+  CSpreadsheetTransport &m_transport;
+};
+
+void TellFailedTransaction() {
+  ShowError("DdeClientTransaction failure", kLinkTitle);
+}
+
 // An instance of the link, stopped at the end of its scope.
 class Link {
  public:
@@ -59,19 +75,16 @@ class Link {
   }
 
   void Execute(char const *command) {
-    Close(m_transport.Execute(command, SentLength(command), kTimeoutMs));
+    Conversation const open(m_transport);
+    if (!m_transport.Execute(command, SentLength(command), kTimeoutMs)) TellFailedTransaction();
   }
 
   void Poke(char const *cell, char const *data) {
-    Close(m_transport.Poke(cell, data, SentLength(data), kTimeoutMs));
+    Conversation const open(m_transport);
+    if (!m_transport.Poke(cell, data, SentLength(data), kTimeoutMs)) TellFailedTransaction();
   }
 
  private:
-  void Close(bool succeeded) {
-    if (!succeeded) ShowError("DdeClientTransaction failure", kLinkTitle);
-    m_transport.Disconnect();
-  }
-
   CSpreadsheetTransport &m_transport;
   bool m_started;
 };

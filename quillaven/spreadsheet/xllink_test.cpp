@@ -178,6 +178,61 @@ TEST_F(SpreadsheetLink, AFailedTransactionShowsItsBoxDisconnectsAndGivesTrue) {
   EXPECT_EQ(transport.calls.at(4), "stop");
 }
 
+// Keeps its boxes among the calls of the transport.
+class ApplicationInOrder : public RecordingApplication {
+ public:
+  explicit ApplicationInOrder(Lines &calls) : m_calls(calls) {}
+  int DoMessageBox(char const *text, char const * /*title*/, unsigned int /*type*/,
+                   unsigned int /*helpId*/) override {
+    m_calls.push_back(std::string("box ") + text);
+    return 1;
+  }
+
+ private:
+  Lines &m_calls;
+};
+
+TEST_F(SpreadsheetLink, AFailureIsToldBeforeTheLinkIsClosed) {
+  ApplicationInOrder const inOrder(transport.calls);
+  transport.transacts = false;
+  EXPECT_TRUE(XLLINK::excel_command("[BEEP]"));
+  Lines const behind{"box DdeClientTransaction failure", "disconnect", "stop"};
+  EXPECT_EQ(Lines(transport.calls.end() - 3, transport.calls.end()), behind);
+  EXPECT_TRUE(XLLINK::excel_data("Sheet1", "R1C1", "1"));
+  EXPECT_EQ(Lines(transport.calls.end() - 3, transport.calls.end()), behind);
+
+  transport.connectsAt = kNever;
+  EXPECT_TRUE(XLLINK::excel_command("[BEEP]"));
+  EXPECT_EQ(Lines(transport.calls.end() - 2, transport.calls.end()),
+            (Lines{"box Can't connect to Excel", "stop"}));
+  EXPECT_TRUE(XLLINK::excel_data("Sheet1", "R1C1", "1"));
+  EXPECT_EQ(Lines(transport.calls.end() - 2, transport.calls.end()),
+            (Lines{"box Can't connect to Excel sheet : Sheet1", "stop"}));
+}
+
+class ThrowingTransport : public RecordingTransport {
+ public:
+  bool Execute(void const * /*data*/, unsigned long /*bytes*/,
+               unsigned int /*timeoutMs*/) override {
+    throw std::string("no wire");
+  }
+  bool Poke(char const * /*item*/, void const * /*data*/, unsigned long /*bytes*/,
+            unsigned int /*timeoutMs*/) override {
+    throw std::string("no wire");
+  }
+};
+
+TEST(SpreadsheetLinkThatThrows, IsClosedAllTheSame) {
+  RecordingApplication application;
+  ThrowingTransport transport;
+  EXPECT_THROW(XLLINK::excel_command("[BEEP]"), std::string);
+  EXPECT_EQ(transport.calls, (Lines{"start", "connect EXCEL|system", "disconnect", "stop"}));
+  transport.calls.clear();
+  EXPECT_THROW(XLLINK::excel_data("Sheet1", "R1C1", "1"), std::string);
+  EXPECT_EQ(transport.calls, (Lines{"start", "connect EXCEL|Sheet1", "disconnect", "stop"}));
+  EXPECT_TRUE(application.boxes.empty());
+}
+
 TEST_F(SpreadsheetLink, NamesOf255CharactersPass) {
   std::string const name(255, 'n');
   EXPECT_TRUE(XLLINK::is_sheet_open(name.c_str()));

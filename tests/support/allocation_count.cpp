@@ -3,12 +3,12 @@
 #include <atomic>
 #include <cstddef>
 #include <cstdlib>
-#include <limits>
 #include <new>
 
 namespace {
 
-constexpr std::size_t kLargestObject = std::numeric_limits<std::ptrdiff_t>::max();
+// No machine has that much; the allocator of a checked build ends the process instead of saying so.
+constexpr std::size_t kLargestObject = std::size_t{1} << 40;
 
 std::atomic<long> g_allocations{0};
 std::atomic<long> g_failing{0};  // by its count; 0 for none
@@ -44,6 +44,9 @@ void *operator new(std::size_t size) {
     handler();
   }
 }
+void *operator new[](std::size_t size) {
+  return ::operator new(size);
+}
 void *operator new(std::size_t size, std::nothrow_t const & /*tag*/) noexcept {
   try {
     return ::operator new(size);
@@ -55,6 +58,12 @@ void operator delete(void *memory) noexcept {
   std::free(memory);
 }
 void operator delete(void *memory, std::size_t /*size*/) noexcept {
+  std::free(memory);
+}
+void operator delete[](void *memory) noexcept {
+  std::free(memory);
+}
+void operator delete[](void *memory, std::size_t /*size*/) noexcept {
   std::free(memory);
 }
 void operator delete(void *memory, std::nothrow_t const & /*tag*/) noexcept {

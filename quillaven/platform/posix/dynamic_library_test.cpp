@@ -24,6 +24,24 @@ TEST(DynamicLibraryHere, TheMainProgramIsKnownByItsFile) {
   EXPECT_EQ(ModulePath(LoadedModule(nullptr), 4096), fs::read_symlink("/proc/self/exe").string());
 }
 
+TEST(DynamicLibraryHere, TheMainProgramHasANameLikeOthers) {
+  fs::path const program = fs::read_symlink("/proc/self/exe");
+  void *const handle = LoadedModule(nullptr);
+  EXPECT_EQ(LoadedModule(program.c_str()), handle);
+  EXPECT_EQ(LoadedModule(program.filename().c_str()), handle);
+  TemporaryDirectory const directory;
+  fs::create_symlink(program, directory.Path("link"));
+  EXPECT_EQ(LoadedModule(directory.Path("link").c_str()), handle);
+  EXPECT_EQ(LoadedModule(""), nullptr);
+}
+
+// Part of every process, and of no file.
+TEST(DynamicLibraryHere, AModuleWithoutAFileHasNoPath) {
+  void *const module = LoadedModule("linux-vdso.so.1");
+  if (module == nullptr) GTEST_SKIP() << "this system has none";
+  EXPECT_EQ(ModulePath(module, 4096), "");
+}
+
 TEST(DynamicLibraryHere, APathHasToFitWithItsZeroByte) {
   std::string const path = fs::read_symlink("/proc/self/exe").string();
   EXPECT_EQ(ModulePath(LoadedModule(nullptr), path.size() + 1), path);

@@ -1,4 +1,5 @@
 #include <cerrno>
+#include <limits>
 #include <memory>
 #include <string>
 #include <sys/stat.h>
@@ -38,21 +39,34 @@ ssize_t ReadText(void *cookie, char *buffer, std::size_t size) {
   return static_cast<ssize_t>(count);
 }
 
-// The begin is the only place that is known without reading, so a seek reads its way there.
+// Goes to a place of the text, or to its end if that comes first. The begin is the only place that
+// is known without reading, so a seek reads its way from there.
+bool GoTo(TextSource &source, off64_t target) {
+  if (target < source.position) {
+    if (::fseeko(source.raw, 0, SEEK_SET) != 0) return false;
+    source.position = 0;
+  }
+  while (source.position < target && source.Next() != EOF) ++source.position;
+  return true;
+}
+
+// What cannot come back must not go to the end to learn where that is: such a seek fails at once.
+bool GoToEnd(TextSource &source) {
+  return ::ftello(source.raw) >= 0 && GoTo(source, std::numeric_limits<off64_t>::max());
+}
+
+// A seek that fails leaves the source where it was.
 int SeekText(void *cookie, off64_t *offset, int whence) {
   auto *source = static_cast<TextSource *>(cookie);
-  off64_t target = *offset;
-  if (whence == SEEK_CUR) target += source->position;
-  if (whence == SEEK_END) {
-    while (source->Next() != EOF) ++source->position;
-    target += source->position;
+  off64_t const before = source->position;
+  if (whence == SEEK_END && !GoToEnd(*source)) return -1;
+  off64_t target = whence != SEEK_SET ? source->position : 0;
+  if (__builtin_add_overflow(target, *offset, &target) || target < 0) {
+    GoTo(*source, before);
+    errno = EINVAL;
+    return -1;
   }
-  if (target < 0) return -1;
-  if (target < source->position) {
-    std::rewind(source->raw);
-    source->position = 0;
-  }
-  while (source->position < target && source->Next() != EOF) ++source->position;
+  if (!GoTo(*source, target)) return -1;
   *offset = source->position;
   return 0;
 }

@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdlib>
+#include <fstream>
 #include <spawn.h>
 #include <string>
 #include <sys/stat.h>
@@ -24,17 +25,17 @@ bool IsProgram(std::string const &path) {
          ::access(path.c_str(), X_OK) == 0;
 }
 
-// A bare name is looked for along PATH, where an empty entry is the working directory. What is not
-// found stays as it is: starting it then fails.
+// A name with a directory is a document's, and is matched as those are. A bare name is looked for
+// along PATH as it stands, where an empty entry is the working directory; what lies in the working
+// directory has no part in it otherwise. Empty if it is not there.
 std::string FindProgram(std::string const &name) {
-  std::string program = SystemPath(name);
-  if (program.empty() || program.find('/') != std::string::npos) return program;
+  if (name.empty() || name.find_first_of("/\\") != std::string::npos) return SystemPath(name);
   char const *variable = std::getenv("PATH");
   std::string const path = variable != nullptr ? variable : kUsualPath;
   for (std::size_t begin = 0; begin <= path.size();) {
     std::size_t const end = std::min(path.find(':', begin), path.size());
     std::string candidate = end > begin ? path.substr(begin, end - begin) : ".";
-    candidate.append("/").append(program);
+    candidate.append("/").append(name);
     if (IsProgram(candidate)) return candidate;
     begin = end + 1;
   }
@@ -56,12 +57,24 @@ int Spawn(pid_t &child, std::string const &program, std::vector<std::string> &wo
   return error;
 }
 
-// A file that the system does not know how to run, such as a list of commands without an
-// interpreter line, is given to the command processor.
+// Whether a file that the system does not know how to run may be a list of commands: the first line
+// of one is text. A program for another machine has zero bytes there.
+bool IsListOfCommands(std::string const &path) {
+  constexpr std::size_t kLongestLook = 256;
+  std::string begin(kLongestLook, '\0');
+  std::ifstream file(path, std::ios::binary);
+  file.read(begin.data(), static_cast<std::streamsize>(begin.size()));
+  begin.resize(static_cast<std::size_t>(file.gcount()));
+  return file.is_open() && !file.bad() &&
+         begin.substr(0, begin.find('\n')).find('\0') == std::string::npos;
+}
+
+// A list of commands without an interpreter line is given to the command processor, which takes a
+// word that begins with a dash for an option.
 int Start(pid_t &child, std::string const &program, std::vector<std::string> words) {
   int const error = Spawn(child, program, words);
-  if (error != ENOEXEC) return error;
-  words.front() = program;
+  if (error != ENOEXEC || !IsListOfCommands(program)) return error;
+  words.front() = program.front() == '-' ? "./" + program : program;
   words.insert(words.begin(), kCommandProcessor);
   return Spawn(child, kCommandProcessor, words);
 }

@@ -2,6 +2,7 @@
 #include <chrono>
 #include <csignal>
 #include <cstdlib>
+#include <filesystem>
 #include <pthread.h>
 #include <string>
 #include <thread>
@@ -11,6 +12,7 @@
 #include <quillaven/platform/run_program_internal.h>
 
 #include "tests/support/temporary_directory.h"
+#include "tests/support/working_directory.h"
 
 namespace {
 
@@ -114,6 +116,42 @@ TEST_F(RunProgramHere, FindsABareNameAlongThePath) {
   EXPECT_EQ(RunProgram("no-such-tool", 0), ProgramRun::kNotStarted);
 }
 
+TEST_F(RunProgramHere, DoesNotMatchABareNameWithWhatLiesInTheWorkingDirectory) {
+  std::filesystem::create_directory(directory.Path("SH"));
+  WriteCommands("Tool", "#!/bin/sh\n");
+  WorkingDirectory const inside(directory.Path());
+  EXPECT_EQ(RunProgram("sh -c \"exit 0\"", 0), ProgramRun::kEnded);
+  EXPECT_EQ(RunProgram("tool x", 0), ProgramRun::kNotStarted);
+  EXPECT_EQ(RunProgram("Tool x", 0), ProgramRun::kNotStarted);
+  EXPECT_FALSE(directory.Has("out"));
+}
+
+TEST_F(RunProgramHere, FindsAFileOfTheWorkingDirectoryByItsDirectory) {
+  WriteCommands("Tool", "#!/bin/sh\n");
+  WorkingDirectory const inside(directory.Path());
+  EXPECT_EQ(RunProgram("./Tool one", 0), ProgramRun::kEnded);
+  EXPECT_EQ(directory.Read("out"), "one\n");
+  EXPECT_EQ(RunProgram(".\\tool x", 0), ProgramRun::kEnded);
+  EXPECT_EQ(directory.Read("out"), "x\n");
+}
+
+// A name with a backslash in it that exists as it stands is that file, and not one along the path.
+TEST_F(RunProgramHere, TakesANameWithABackslashThatExistsForThatFile) {
+  WriteCommands("odd\\name", "#!/bin/sh\n");
+  WorkingDirectory const inside(directory.Path());
+  EXPECT_EQ(RunProgram("odd\\name x", 0), ProgramRun::kEnded);
+  EXPECT_EQ(directory.Read("out"), "x\n");
+}
+
+// No prefix of the command is tried out as a program.
+TEST_F(RunProgramHere, WantsAProgramWithABlankInQuotes) {
+  WriteCommands("my tool", "#!/bin/sh\n");
+  std::string const path = directory.Path("my tool");
+  EXPECT_EQ(RunProgram((path + " x").c_str(), 0), ProgramRun::kNotStarted);
+  EXPECT_EQ(RunProgram(("\"" + path + "\" x").c_str(), 0), ProgramRun::kEnded);
+  EXPECT_EQ(directory.Read("out"), "x\n");
+}
+
 TEST_F(RunProgramHere, HasAPathWhereTheEnvironmentHasNone) {
   EnvironmentVariable const variable("PATH", nullptr);
   EXPECT_EQ(RunProgram("sh -c \"exit 3\"", 0), ProgramRun::kEnded);
@@ -131,6 +169,33 @@ TEST_F(RunProgramHere, GivesAFileWithoutAnInterpreterLineToTheCommandProcessor) 
   std::string const command = "\"" + directory.Path("my commands") + "\" \"$HOME; a b\"";
   EXPECT_EQ(RunProgram(command.c_str(), 0), ProgramRun::kEnded);
   EXPECT_EQ(directory.Read("out"), "$HOME; a b\n");
+}
+
+TEST_F(RunProgramHere, GivesTheCommandProcessorNoPathThatLooksLikeAnOption) {
+  WriteCommands("-x/tool", "");
+  WorkingDirectory const inside(directory.Path());
+  EnvironmentVariable const variable("PATH", "-x");
+  EXPECT_EQ(RunProgram("tool one", 0), ProgramRun::kEnded);
+  EXPECT_EQ(directory.Read("out"), "one\n");
+  EXPECT_EQ(RunProgram("-x/tool two", 0), ProgramRun::kEnded);
+  EXPECT_EQ(directory.Read("out"), "two\n");
+}
+
+// A program whose machine is none.
+TEST_F(RunProgramHere, DoesNotStartAProgramForAnotherMachine) {
+  std::string program = "\177ELF\2\1\1";
+  program.resize(200, '\0');
+  WriteCommands("other", program);
+  EXPECT_EQ(RunProgram(directory.Path("other").c_str(), 0), ProgramRun::kNotStarted);
+}
+
+TEST_F(RunProgramHere, TakesAFileForAListOfCommandsThoughZeroBytesFollowItsFirstLine) {
+  WriteCommands("list", "# commands\n" + std::string(1, '\0') + "\n");
+  EXPECT_EQ(RunProgram((directory.Path("list") + " x").c_str(), 0), ProgramRun::kEnded);
+  EXPECT_EQ(directory.Read("out"), "x\n");
+  WriteCommands("empty", "");
+  std::filesystem::resize_file(directory.Path("empty"), 0);
+  EXPECT_EQ(RunProgram(directory.Path("empty").c_str(), 0), ProgramRun::kEnded);
 }
 
 TEST_F(RunProgramHere, DoesNotStartWhatIsNoProgram) {

@@ -2,6 +2,7 @@
 //
 //   load_action         the state at the start of main and at the end of the process, a line each
 //   load_action ask     asks for memory that is not there
+//   load_action guard   tells the state within a guard and behind it as well
 //   load_action check   has CheckMemoryAvailable ask for it
 
 #include <cstddef>
@@ -44,6 +45,12 @@ struct MemoryShortage {
 [[gnu::init_priority(kBeforeLoad)]] MemoryShortage shortage;
 #endif
 
+void Tell(char const *when) {
+  std::printf(
+      "%s %s, %s\n", when, StateOfProcess(),
+      CNewHandlerInstaller::IsSomethingInstalled() ? "something installed" : "nothing installed");
+}
+
 int Ask() {
   try {
     ::operator delete(::operator new(std::numeric_limits<std::ptrdiff_t>::max()));
@@ -63,7 +70,12 @@ int main(int argc, char **argv) {
     RefuseAllocationsFrom(1000);
     CheckMemoryAvailable(1000, "a model");
   }
-  std::printf(
-      "at the start %s, %s\n", StateOfProcess(),
-      CNewHandlerInstaller::IsSomethingInstalled() ? "something installed" : "nothing installed");
+  Tell("at the start");
+  if (argc > 1 && std::strcmp(argv[1], "guard") == 0) {
+    {
+      CNewHandlerInstaller const inner(AnsiCPPNewHandler);
+      Tell("within a guard");
+    }
+    Tell("behind it");
+  }
 }

@@ -1,0 +1,457 @@
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <random>
+#include <sstream>
+#include <string>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <quillaven/editor/point_dialogs_internal.h>
+#include <quillaven/editor/spline_dialog_internal.h>
+#include <quillaven/platform/files.h>
+
+#include "tests/support/dialog_application.h"
+#include "tests/support/spline_tables.h"
+#include "tests/support/temporary_directory.h"
+
+namespace {
+
+using testing::ElementsAre;
+
+// The tool on a table, with a mouse. The plot is 516 x 344 pixels, 500 x 328 within the margin.
+struct Tool {
+  explicit Tool(CSpline const &table) {
+    dialog.Table(table);
+    OpenInPixels(dialog);
+    Repaint();
+  }
+  CPoint Centre(int i) const { return CentreOf(dialog.Handles().at(static_cast<std::size_t>(i))); }
+  void DragFrom(CPoint from, int dx, int dy) {
+    dialog.OnLButtonDown(from);
+    dialog.OnMouseMove({from.x + dx, from.y + dy});
+    dialog.OnLButtonUp({from.x + dx, from.y + dy});
+  }
+  // Whether something was to be painted anew since it was asked last.
+  bool Repaint() {
+    CRect rectangle;
+    return dialog.TakeInvalidRect(rectangle);
+  }
+  double X(int i) const { return dialog.Table().GetXAt(i); }
+  double Y(int i) const { return dialog.Table().GetYAt(i); }
+  std::vector<std::string> const &Rows() const { return dialog.Control(1009).rows; }
+
+  CSplineDialog dialog;
+};
+
+CSpline PointTable() {
+  CSpline table = Table({{0, 0}, {2, 5}, {6, -5}, {10, 0}});
+  table.MaxX(10);
+  table.MinY(-10);
+  table.MaxY(10);
+  return table;
+}
+
+TEST(HitTest, TakesTheFirstHandleThatHoldsThePoint) {
+  CSpline table = PointTable();
+  table.Add(2.02, 5);  // a pixel to the right: the handles overlap
+  Tool tool(table);
+  CPoint const centre = tool.Centre(1);
+  ASSERT_EQ(tool.Centre(2).x, centre.x + 1);
+  tool.dialog.OnLButtonDown(centre);
+  EXPECT_THAT(tool.dialog.Selected(), ElementsAre(0, 1, 0, 0, 0));
+  tool.dialog.OnLButtonDown({centre.x - 7, centre.y - 7});  // left and top edge are inside
+  EXPECT_THAT(tool.dialog.Selected(), ElementsAre(0, 1, 0, 0, 0));
+  tool.dialog.OnLButtonDown({centre.x + 7, centre.y});  // the right edge is not
+  EXPECT_THAT(tool.dialog.Selected(), ElementsAre(0, 0, 1, 0, 0));
+  tool.dialog.OnLButtonDown({centre.x, centre.y + 7});
+  EXPECT_THAT(tool.dialog.Selected(), ElementsAre(0, 0, 0, 0, 0));
+}
+
+TEST(LeftButtonDown, CapturesSelectsAndPaints) {
+  Tool tool(PointTable());
+  tool.dialog.OnLButtonDown(tool.Centre(2));
+  EXPECT_TRUE(tool.dialog.HasCapture());
+  EXPECT_TRUE(tool.dialog.Dragging());
+  EXPECT_THAT(tool.dialog.Selected(), ElementsAre(0, 0, 1, 0));
+  EXPECT_TRUE(tool.Repaint());
+  tool.dialog.OnLButtonDown({0, 0});
+  EXPECT_THAT(tool.dialog.Selected(), ElementsAre(0, 0, 0, 0));
+  EXPECT_TRUE(tool.Repaint());
+}
+
+TEST(LeftButtonDown, HitsAPointOutsideTheLimitsThatIsNotDrawn) {
+  CSpline table = PointTable();
+  table.Add(12, 0);
+  Tool tool(table);
+  ASSERT_GT(tool.Centre(4).x, tool.dialog.Plot().right);
+  tool.dialog.OnLButtonDown(tool.Centre(4));
+  EXPECT_THAT(tool.dialog.Selected(), ElementsAre(0, 0, 0, 0, 1));
+}
+
+TEST(LeftButtonUp, ReleasesRebuildsTheListAndKeepsTheSelection) {
+  Tool tool(PointTable());
+  CPoint const from = tool.Centre(1);
+  tool.dialog.OnLButtonDown(from);
+  tool.dialog.OnMouseMove({from.x, from.y + 10});
+  EXPECT_EQ(tool.Rows()[1], "2  5") << "the list waits for the end of the drag";
+  tool.dialog.OnLButtonUp({0, 0});
+  EXPECT_NE(tool.Rows()[1], "2  5");
+  EXPECT_FALSE(tool.dialog.HasCapture());
+  EXPECT_FALSE(tool.dialog.Dragging());
+  EXPECT_THAT(tool.dialog.Selected(), ElementsAre(0, 1, 0, 0));
+}
+
+TEST(Dragging, MovesPointAndHandleByTheMouse) {
+  Tool tool(PointTable());
+  CPoint const from = tool.Centre(1);
+  tool.DragFrom({from.x + 3, from.y - 2}, 20, -30);  // the grip need not be the middle
+  EXPECT_EQ(tool.X(1), 2 + static_cast<double>(static_cast<float>(10.0 * 20 / 499)));
+  EXPECT_EQ(tool.Y(1), 5 + static_cast<double>(static_cast<float>(20.0 * 30 / 327)));
+  EXPECT_EQ(tool.Centre(1).x, from.x + 20);
+  EXPECT_EQ(tool.Centre(1).y, from.y - 30);
+  EXPECT_TRUE(tool.Repaint());
+}
+
+TEST(Dragging, NeedsTheButtonAndThePlot) {
+  Tool tool(PointTable());
+  CPoint const from = tool.Centre(1);
+  Pairs const before = PointsOf(tool.dialog.Table());
+  tool.dialog.OnMouseMove({from.x + 5, from.y});
+  tool.dialog.OnLButtonDown(from);
+  tool.dialog.OnMouseMove({tool.dialog.Plot().right, from.y});  // just outside
+  tool.dialog.OnMouseMove({from.x, tool.dialog.Plot().top - 1});
+  tool.dialog.OnLButtonUp(from);
+  tool.dialog.OnMouseMove({from.x + 5, from.y});
+  EXPECT_EQ(PointsOf(tool.dialog.Table()), before);
+  tool.dialog.OnLButtonDown(from);
+  tool.dialog.OnMouseMove({tool.dialog.Plot().left, from.y});  // just inside
+  EXPECT_NE(PointsOf(tool.dialog.Table()), before);
+}
+
+TEST(Dragging, WithoutAMoveIsNothing) {
+  Tool tool(PointTable());
+  tool.dialog.OnLButtonDown(tool.Centre(1));
+  tool.Repaint();
+  tool.dialog.OnMouseMove(tool.Centre(1));
+  EXPECT_FALSE(tool.Repaint());
+  EXPECT_EQ(tool.X(1), 2.0);
+}
+
+TEST(Dragging, TheFirstAndLastPointMoveUpAndDownAlone) {
+  Tool tool(PointTable());
+  for (int const i : {0, 3}) {
+    double const x = tool.X(i);
+    CPoint const centre = tool.Centre(i);
+    int const inwards = i == 0 ? 40 : -40;
+    tool.DragFrom(centre, inwards, 0);
+    EXPECT_EQ(tool.X(i), x);
+    EXPECT_EQ(tool.Y(i), 0.0);
+    EXPECT_EQ(tool.Centre(i).x, centre.x);
+    tool.DragFrom(centre, inwards, -33);
+    EXPECT_EQ(tool.X(i), x);
+    EXPECT_EQ(tool.Y(i), static_cast<double>(static_cast<float>(20.0 * 33 / 327)));
+    EXPECT_EQ(tool.Centre(i).x, centre.x);
+    EXPECT_EQ(tool.Centre(i).y, centre.y - 33);
+  }
+}
+
+TEST(Dragging, StopsAPixelBeforeTheNeighbours) {
+  Tool tool(PointTable());
+  CPoint const from = tool.Centre(1);
+  tool.dialog.OnLButtonDown(from);
+  tool.dialog.OnMouseMove({tool.dialog.Plot().right - 1, from.y});
+  EXPECT_EQ(tool.Centre(1).x, tool.Centre(2).x - 1);
+  EXPECT_LT(tool.X(1), tool.X(2));
+  tool.dialog.OnLButtonUp(from);
+  tool.dialog.OnLButtonDown(tool.Centre(1));
+  tool.dialog.OnMouseMove({tool.dialog.Plot().left, from.y});
+  EXPECT_EQ(tool.Centre(1).x, tool.Centre(0).x + 1);
+  EXPECT_GT(tool.X(1), tool.X(0));
+}
+
+TEST(Dragging, HoldsAPointWithinTheMargin) {
+  Tool tool(PointTable());
+  CRect const plot = tool.dialog.Plot();
+  CPoint const from = tool.Centre(1);
+  tool.dialog.OnLButtonDown(from);
+  tool.dialog.OnMouseMove({from.x, plot.top});
+  EXPECT_EQ(tool.Centre(1).y, plot.top + 8);
+  tool.dialog.OnLButtonUp(from);
+  tool.dialog.OnLButtonDown(tool.Centre(1));
+  tool.dialog.OnMouseMove({from.x, plot.bottom - 1});
+  EXPECT_EQ(tool.Centre(1).y, plot.bottom - 8);
+}
+
+TEST(Dragging, ThePointOfReferenceWaitsWhileNoMoveIsAccepted) {
+  Tool tool(PointTable());
+  CPoint const from = tool.Centre(0);
+  tool.dialog.OnLButtonDown(from);
+  tool.dialog.OnMouseMove({from.x + 100, from.y});  // refused: the first keeps its x
+  tool.dialog.OnMouseMove({from.x + 200, from.y - 10});
+  EXPECT_EQ(tool.Centre(0).y, from.y - 10) << "counted from where the button went down";
+  tool.dialog.OnMouseMove({from.x + 300, from.y});
+  EXPECT_EQ(tool.Centre(0).y, from.y);
+}
+
+TEST(Dragging, AnAcceptedMoveTakesTheMouseForReferenceEvenIfThePointStoppedShort) {
+  Tool tool(PointTable());
+  CRect const plot = tool.dialog.Plot();
+  CPoint const from = tool.Centre(1);
+  tool.dialog.OnLButtonDown(from);
+  tool.dialog.OnMouseMove({from.x, plot.top + 2});  // the point stops at the margin
+  EXPECT_EQ(tool.Centre(1).y, plot.top + 8);
+  tool.dialog.OnMouseMove({from.x, plot.top + 12});
+  EXPECT_EQ(tool.Centre(1).y, plot.top + 18);
+}
+
+TEST(Dragging, AFirstPointInTheColumnOfItsNeighbourDoesNotMove) {
+  CSpline table = PointTable();
+  table.Add(0.001, 8);
+  Tool tool(table);
+  ASSERT_EQ(tool.Centre(0).x, tool.Centre(1).x);
+  tool.DragFrom(tool.Centre(0), 0, -20);
+  EXPECT_EQ(tool.Y(0), 0.0) << "the neighbour's column less one is left of its own x";
+}
+
+TEST(Dragging, ALastPointInTheColumnOfItsNeighbourMovesUpAndDown) {
+  CSpline table = Table({{0, 0}, {9.999, 8}, {10, 0}});
+  table.MaxX(10);
+  table.MinY(-10);
+  table.MaxY(10);
+  Tool tool(table);
+  ASSERT_EQ(tool.Centre(2).x, tool.Centre(1).x + 1);
+  tool.DragFrom(tool.Centre(2), 0, -20);
+  EXPECT_GT(tool.Y(2), 0.0);
+  EXPECT_EQ(tool.X(2), 10.0);
+}
+
+TEST(Dragging, ASinglePointIsFirstAndLast) {
+  CSpline table = Table({{0.5, 0}});
+  Tool tool(table);
+  tool.DragFrom(tool.Centre(0), 50, -20);
+  EXPECT_EQ(tool.X(0), 0.5);
+  EXPECT_GT(tool.Y(0), 0.0);
+}
+
+TEST(Dragging, ATableOutOfOrderKeepsItsHandlesInStep) {
+  TemporaryDirectory const directory;
+  std::string const file = directory.Write("t.txt", "0\t1\t3\nx\t5\t1\t5\ny\t0\t0\t0\n");
+  CStdioFile stream;
+  ASSERT_TRUE(stream.Open(file.c_str(), CFile::modeRead | CFile::typeText));
+  CSpline table;
+  table.OnRead2(stream);
+  ASSERT_EQ(table.GetSize(), 3);
+  table.MinX(0);
+  table.MaxX(10);
+  Tool tool(table);
+  // The first of two handles at one place is hit, and cannot move; the last is reached by itself.
+  for (int i = 0; i < 3; ++i) {
+    tool.DragFrom(tool.Centre(std::min(i, tool.dialog.Table().GetSize() - 1)), 0, -20);
+    EXPECT_EQ(tool.dialog.Handles().size(),
+              static_cast<std::size_t>(tool.dialog.Table().GetSize()));
+    EXPECT_EQ(tool.dialog.Selected().size(), tool.dialog.Handles().size());
+  }
+}
+
+TEST(DoubleClick, OnAnEmptyPlaceAddsAPointAndASecondOneRemovesIt) {
+  Tool tool(PointTable());
+  CPoint const place{tool.dialog.Scale().PixelX(4), tool.dialog.Scale().PixelY(3)};
+  tool.dialog.OnLButtonDblClk(place);
+  ASSERT_EQ(tool.dialog.Table().GetSize(), 5);
+  EXPECT_EQ(tool.X(2), tool.dialog.Scale().DataX(place.x));
+  EXPECT_EQ(tool.Y(2), tool.dialog.Scale().DataY(place.y));
+  EXPECT_EQ(tool.dialog.Handles().size(), 5U);
+  EXPECT_EQ(tool.Rows().size(), 5U);
+  EXPECT_TRUE(tool.Repaint());
+  tool.dialog.OnLButtonDblClk(place);
+  EXPECT_EQ(PointsOf(tool.dialog.Table()), PointsOf(PointTable()));
+  EXPECT_EQ(tool.Rows().size(), 4U);
+  EXPECT_TRUE(tool.Repaint());
+}
+
+TEST(DoubleClick, OnTheFirstOrLastHandleDoesNothing) {
+  Tool tool(PointTable());
+  for (int const i : {0, 3}) {
+    tool.dialog.OnLButtonDblClk({tool.Centre(i).x + (i == 0 ? 1 : -1), tool.Centre(i).y});
+    EXPECT_EQ(tool.dialog.Table().GetSize(), 4);
+    EXPECT_FALSE(tool.Repaint());
+  }
+}
+
+TEST(DoubleClick, CountsWithinTheMarginAlone) {
+  Tool tool(PointTable());
+  CRect const plot = tool.dialog.Plot();
+  for (CPoint const point :
+       {CPoint{plot.left + 7, 100}, CPoint{plot.right - 8, 100}, CPoint{200, plot.top + 7},
+        CPoint{200, plot.bottom - 8}, CPoint{-5, -5}}) {
+    tool.dialog.OnLButtonDblClk(point);
+    EXPECT_EQ(tool.dialog.Table().GetSize(), 4);
+  }
+  tool.dialog.OnLButtonDblClk({plot.left + 9, plot.top + 8});
+  EXPECT_EQ(tool.dialog.Table().GetSize(), 5);
+  tool.dialog.OnLButtonDblClk({plot.right - 10, plot.bottom - 9});
+  EXPECT_EQ(tool.dialog.Table().GetSize(), 6);
+}
+
+TEST(DoubleClick, BringsAPointToAnEmptyTable) {
+  Tool tool((CSpline()));
+  tool.dialog.OnLButtonDblClk({200, 100});
+  EXPECT_EQ(tool.dialog.Table().GetSize(), 1);
+}
+
+TEST(DoubleClick, InAPlotOfOnePixelAddsNothing) {
+  CSplineDialog dialog;
+  dialog.Table(PointTable());
+  dialog.Place(1007, {0, 0, 1, 1});
+  dialog.Place(1005, {0, 0, 1, 1});
+  dialog.Place(1008, {0, 0, 17, 17});
+  dialog.Place(1006, {0, 0, 17, 17});
+  dialog.OnInitDialog();
+  dialog.OnLButtonDblClk({8, 8});
+  EXPECT_EQ(dialog.Table().GetSize(), 4);
+  CDrawing drawing;
+  dialog.OnPaint(drawing);
+  dialog.OnLButtonDown({8, 8});
+  dialog.OnMouseMove({8, 9});
+  dialog.OnMouseMove({9, 8});
+  EXPECT_EQ(dialog.Table().GetXAt(0), 0.0);
+  EXPECT_EQ(dialog.Table().GetXAt(3), 10.0);
+}
+
+TEST(RightButton, EditsAnInnerPointBetweenItsNeighboursLessAPixel) {
+  DialogApplication application;
+  Tool tool(PointTable());
+  application.scripts = {[](CDialog &edit) {
+    auto const &dialog = dynamic_cast<CEditPointDlg &>(edit);
+    EXPECT_EQ(dialog.X, 2.0F);
+    EXPECT_EQ(dialog.Y, 5.0F);
+    float const pixel = static_cast<float>(10.0 / 499);
+    EXPECT_EQ(dialog.Lower, pixel);
+    EXPECT_EQ(dialog.Upper, static_cast<float>(6.0 - pixel));
+    EXPECT_EQ(edit.Control(5018).text, "N.B.: X between 0.0200401 and 5.97996");
+    edit.Type(5016, "4.5");
+    edit.Type(5017, "-7");
+    edit.Press(1);
+  }};
+  tool.dialog.OnRButtonDown(tool.Centre(1));
+  EXPECT_EQ(application.opened, 1U);
+  EXPECT_EQ(PointsOf(tool.dialog.Table()), (Pairs{{0, 0}, {4.5, -7}, {6, -5}, {10, 0}}));
+  EXPECT_EQ(tool.Centre(1).x, tool.dialog.Scale().PixelX(4.5));
+  EXPECT_EQ(tool.Rows()[1], "4.5  -7");
+  EXPECT_TRUE(tool.Repaint());
+}
+
+TEST(RightButton, LeavesTheXOfTheFirstAndLastPoint) {
+  for (int const i : {0, 3}) {
+    DialogApplication application;
+    Tool tool(PointTable());
+    double const x = tool.X(i);
+    application.scripts = {[](CDialog &edit) {
+      auto const &dialog = dynamic_cast<CEditPointDlg &>(edit);
+      EXPECT_EQ(dialog.Lower, dialog.X);
+      EXPECT_EQ(dialog.Upper, dialog.X);
+      EXPECT_TRUE(edit.Control(5016).readOnly);
+      edit.Type(5016, "4.5");
+      edit.Type(5017, "-7");
+      edit.Press(1);
+    }};
+    tool.dialog.OnRButtonDown(tool.Centre(i));
+    EXPECT_EQ(tool.X(i), x);
+    EXPECT_EQ(tool.Y(i), -7.0);
+  }
+}
+
+TEST(RightButton, CancelledOrBesideTheHandlesChangesNothing) {
+  DialogApplication application;
+  Tool tool(PointTable());
+  application.scripts = {[](CDialog &edit) {
+    edit.Type(5016, "4.5");
+    edit.Press(2);
+  }};
+  tool.dialog.OnRButtonDown(tool.Centre(1));
+  tool.dialog.OnRButtonDown({0, 0});
+  EXPECT_EQ(application.opened, 1U);
+  EXPECT_EQ(PointsOf(tool.dialog.Table()), PointsOf(PointTable()));
+  EXPECT_FALSE(tool.Repaint());
+}
+
+TEST(RightButton, NeighboursWithinTwoPixelsForbidNothing) {
+  DialogApplication application;
+  CSpline table = PointTable();
+  table.Add(2.01, 0);
+  table.Add(2.02, 0);
+  Tool tool(table);
+  application.scripts = {[](CDialog &edit) {
+    auto const &dialog = dynamic_cast<CEditPointDlg &>(edit);
+    EXPECT_GT(dialog.Lower, dialog.Upper);
+    edit.Type(5016, "7");
+    edit.Press(1);
+  }};
+  tool.dialog.OnRButtonDown({tool.Centre(2).x, tool.Centre(2).y});
+  EXPECT_EQ(PointsOf(tool.dialog.Table()),
+            (Pairs{{0, 0}, {2, 5}, {2.02, 0}, {6, -5}, {7, 0}, {10, 0}}));
+}
+
+// What a user may do with a mouse and the keyboard, in any order and at any place.
+void DoAnything(CSplineDialog &dialog, std::mt19937 &random) {
+  auto const below = [&](int n) { return static_cast<int>(random() % static_cast<unsigned>(n)); };
+  CPoint point{below(800) - 10, below(420) - 10};
+  std::size_t const n = dialog.Handles().size();
+  if (below(3) != 0) point = CentreOf(dialog.Handles()[static_cast<std::size_t>(below(400)) % n]);
+  if (below(50) == 0) point = {std::numeric_limits<std::int32_t>::max(), -2147483647};
+  switch (below(9)) {
+    case 0:
+      return dialog.OnLButtonDown(point);
+    case 1:
+    case 2:
+    case 3:
+      return dialog.OnMouseMove({below(800) - 10, below(420) - 10});
+    case 4:
+      return dialog.OnLButtonUp(point);
+    case 5:
+      return dialog.OnLButtonDblClk(point);
+    case 6:
+      return dialog.OnRButtonDown(point);
+    case 7:
+      return dialog.Press(below(2) == 0 ? CSplineDialog::kSpline : CSplineDialog::kLinear);
+    default:
+      return dialog.Press(below(2) == 0 ? CSplineDialog::kTicks : CSplineDialog::kGrid);
+  }
+}
+
+TEST(MouseEvents, InAnyOrderKeepTheTableSortedAndEverythingInStep) {
+  DialogApplication application;
+  int edited = 0;
+  for (unsigned int seed = 1; seed <= 60; ++seed) {
+    SCOPED_TRACE(seed);
+    std::mt19937 random(seed);
+    Tool tool(DistanceTable());
+    CSplineDialog &dialog = tool.dialog;
+    for (int step = 0; step < 400; ++step) {
+      application.scripts = {[&](CDialog &edit) {
+        edit.Type(5016, std::to_string(1 + random() % 7));
+        edit.Type(5017, std::to_string(random() % 90));
+        edit.Press(1);
+        ++edited;
+      }};
+      DoAnything(dialog, random);
+      CSpline const &table = dialog.Table();
+      ASSERT_EQ(dialog.Handles().size(), static_cast<std::size_t>(table.GetSize()));
+      ASSERT_EQ(dialog.Selected().size(), dialog.Handles().size());
+      ASSERT_LE(std::count(dialog.Selected().begin(), dialog.Selected().end(), 1), 1);
+      ASSERT_EQ(table.GetXAt(0), 0.0);
+      ASSERT_EQ(table.GetXAt(table.GetSize() - 1), 8.0);
+      for (int i = 1; i < table.GetSize(); ++i) ASSERT_LT(table.GetXAt(i - 1), table.GetXAt(i));
+      if (step % 20 == 0 && table.TableLinear()) {
+        CDrawing drawing;
+        dialog.OnPaint(drawing);
+        ASSERT_GE(drawing.Operations().size(), 500U);
+      }
+    }
+  }
+  EXPECT_GT(edited, 500);
+}
+
+}  // namespace

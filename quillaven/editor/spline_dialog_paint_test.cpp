@@ -1,0 +1,315 @@
+#include <algorithm>
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <quillaven/editor/spline_dialog_internal.h>
+
+#include "tests/support/dialog_application.h"
+#include "tests/support/spline_tables.h"
+
+namespace {
+
+using Operations = std::vector<CDrawOperation>;
+using Kind = CDrawOperation::Kind;
+
+// Plot: 74, 14 to 590, 358. Within the margin: 82, 22, 500 x 328.
+constexpr int kLeft = 74;
+constexpr int kTop = 14;
+constexpr int kRight = 590;
+constexpr int kBottom = 358;
+
+CSplineDialog Opened(CSpline const &table) {
+  CSplineDialog dialog;
+  dialog.Table(table);
+  OpenInPixels(dialog);
+  return dialog;
+}
+
+Operations Paint(CSplineDialog &dialog) {
+  CDrawing drawing;
+  dialog.OnPaint(drawing);
+  return drawing.Operations();
+}
+
+// What is drawn from the pen of a colour and width up to the next pen.
+Operations DrawnWith(Operations const &operations, unsigned long colour, int width = 1) {
+  Operations drawn;
+  bool inForce = false;
+  for (CDrawOperation const &operation : operations) {
+    if (operation.kind == Kind::pen) {
+      inForce = operation.colour == colour && operation.width == width;
+    } else if (inForce) {
+      drawn.push_back(operation);
+    }
+  }
+  return drawn;
+}
+
+// The x of vertical and the y of horizontal lines, each of which must cross the whole plot.
+struct Lines {
+  std::vector<int> xs;
+  std::vector<int> ys;
+};
+Lines LinesOf(Operations const &operations) {
+  Lines lines;
+  for (std::size_t i = 0; i + 1 < operations.size(); ++i) {
+    if (operations[i].kind != Kind::moveTo || operations[i + 1].kind != Kind::lineTo) continue;
+    CRect const from = operations[i].place;
+    CRect const to = operations[i + 1].place;
+    if (from.left == to.left && from.top == kTop && to.top == kBottom)
+      lines.xs.push_back(from.left);
+    if (from.top == to.top && from.left == kLeft && to.left == kRight) lines.ys.push_back(from.top);
+  }
+  return lines;
+}
+
+Operations Ellipses(Operations const &operations) {
+  Operations found;
+  std::copy_if(operations.begin(), operations.end(), std::back_inserter(found),
+               [](CDrawOperation const &o) { return o.kind == Kind::ellipse; });
+  return found;
+}
+
+TEST(SplinePaint, BeginsWithThePlotInTheDevicesPenAndBrush) {
+  CSplineDialog dialog = Opened(DistanceTable());
+  Operations const operations = Paint(dialog);
+  CDrawing expected;
+  expected.Pen(0x000000, 1);
+  expected.Brush(0xFFFFFF);
+  expected.Rectangle({kLeft, kTop, kRight, kBottom});
+  ASSERT_GT(operations.size(), 3U);
+  EXPECT_TRUE(
+      std::equal(expected.Operations().begin(), expected.Operations().end(), operations.begin()));
+}
+
+TEST(SplinePaint, DrawsTheIconAloneWhenMinimised) {
+  CSplineDialog dialog = Opened(DistanceTable());
+  dialog.Resize({0, 0, 100, 60}, true);
+  CDrawing expected;
+  expected.Icon({34, 14, 66, 46});
+  EXPECT_EQ(Paint(dialog), expected.Operations());
+}
+
+TEST(SplinePaint, SetsTheRadioButtons) {
+  CSplineDialog dialog = Opened(DistanceTable());
+  EXPECT_FALSE(dialog.Control(5014).checked || dialog.Control(5015).checked);
+  Paint(dialog);
+  EXPECT_FALSE(dialog.Control(5014).checked);
+  EXPECT_TRUE(dialog.Control(5015).checked);
+  dialog.Press(5014);
+  Paint(dialog);
+  EXPECT_TRUE(dialog.Control(5014).checked);
+  EXPECT_FALSE(dialog.Control(5015).checked);
+}
+
+TEST(SplinePaint, DrawsNeitherTicksNorGridUntilTheirBoxesAreChecked) {
+  CSplineDialog dialog = Opened(DistanceTable());
+  Operations const operations = Paint(dialog);
+  EXPECT_TRUE(DrawnWith(operations, 0x7F7F7F).empty());
+  EXPECT_EQ(LinesOf(DrawnWith(operations, 0)).xs.size(), 0U);
+}
+
+TEST(SplinePaint, DrawsAGreyTickAtEachDistanceBetweenTheEdges) {
+  CSplineDialog dialog = Opened(DistanceTable());
+  dialog.Press(5000);
+  std::vector<int> expected;
+  for (int i = 0; i < 30; ++i) expected.push_back(dialog.Scale().PixelX(CSpline::Root(i)));
+  EXPECT_EQ(expected.front(), 82);
+  EXPECT_EQ(expected.back(), 582);
+  EXPECT_EQ(LinesOf(DrawnWith(Paint(dialog), 0x7F7F7F)).xs, expected);
+}
+
+TEST(SplinePaint, LeavesTicksAtOrBeyondTheEdgesOut) {
+  CSpline table = DistanceTable();
+  table.MinX(1);  // 0 lies left of the plot
+  CSplineDialog dialog = Opened(table);
+  dialog.Press(5000);
+  std::vector<int> const xs = LinesOf(DrawnWith(Paint(dialog), 0x7F7F7F)).xs;
+  EXPECT_EQ(xs.size(), 29U);
+  EXPECT_EQ(xs.front(), 82);
+}
+
+TEST(SplinePaint, DrawsALineIntoTheMarginButNotOntoTheEdge) {
+  CSpline table = Table({{0, 0}, {500, 0}});
+  table.MinX(0);
+  table.MaxX(500);
+  for (double const shift : {7.5, 8.5}) {  // 7 pixels left of the margin, and 8: the edge itself
+    table.MinX(static_cast<float>(shift));
+    table.MaxX(static_cast<float>(500 + shift));
+    CSplineDialog dialog = Opened(table);
+    EXPECT_EQ(LinesOf(DrawnWith(Paint(dialog), 0x0000FF)).xs.size(), shift < 8 ? 1U : 0U);
+  }
+}
+
+TEST(SplinePaint, DrawsGridLinesAtWholeNumbersUpToThirty) {
+  CSpline table = DistanceTable();
+  table.MaxX(30);
+  CSplineDialog dialog = Opened(table);
+  dialog.Press(5010);
+  std::vector<int> expected;
+  for (int i = 0; i <= 30; ++i) expected.push_back(dialog.Scale().PixelX(i));
+  Lines const lines = LinesOf(DrawnWith(Paint(dialog), 0));
+  EXPECT_EQ(lines.xs, expected);
+  // -10 to 100 in steps of 100, 3 of them, halved once.
+  std::vector<int> heights;
+  for (int const y : {0, 50, 100}) heights.push_back(dialog.Scale().PixelY(y));
+  EXPECT_EQ(lines.ys, heights);
+}
+
+TEST(SplinePaint, DrawsGridLinesByAChosenScaleBeyondThirty) {
+  CSpline table = DistanceTable();
+  table.MaxX(40);
+  CSplineDialog dialog = Opened(table);
+  dialog.Press(5010);
+  std::vector<int> expected;
+  for (int i = 0; i <= 40; i += 10) expected.push_back(dialog.Scale().PixelX(i));
+  EXPECT_EQ(LinesOf(DrawnWith(Paint(dialog), 0)).xs, expected);
+}
+
+TEST(SplinePaint, DrawsGridLinesByAChosenScaleFromAnyOtherMinimum) {
+  CSpline table = DistanceTable();
+  table.MinX(-1);
+  table.MaxX(1);
+  CSplineDialog dialog = Opened(table);
+  dialog.Press(5010);
+  std::vector<int> expected;
+  for (double const x : {-1.0, -0.5, 0.0, 0.5, 1.0}) expected.push_back(dialog.Scale().PixelX(x));
+  EXPECT_EQ(LinesOf(DrawnWith(Paint(dialog), 0)).xs, expected) << "1.5 lies outside";
+}
+
+TEST(SplinePaint, DrawsRedAxesWhereZeroIsShown) {
+  CSplineDialog dialog = Opened(DistanceTable());
+  Lines const axes = LinesOf(DrawnWith(Paint(dialog), 0x0000FF));
+  EXPECT_EQ(axes.xs, std::vector<int>{82});
+  EXPECT_EQ(axes.ys, std::vector<int>{dialog.Scale().PixelY(0)});
+
+  CSpline away = DistanceTable();
+  away.MinX(2);
+  away.MinY(10);
+  CSplineDialog without = Opened(away);
+  EXPECT_TRUE(DrawnWith(Paint(without), 0x0000FF).empty());
+}
+
+TEST(SplinePaint, DrawsTheCurveInBlueOfWidthTwoColumnByColumn) {
+  CSpline table = DistanceTable();
+  CSplineDialog dialog = Opened(table);
+  Operations const curve = DrawnWith(Paint(dialog), 0xFF0000, 2);
+  ASSERT_EQ(curve.size(), 500U);
+  for (int p = 0; p < 500; ++p) {
+    CDrawOperation const &operation = curve[static_cast<std::size_t>(p)];
+    EXPECT_EQ(operation.kind, p == 0 ? Kind::moveTo : Kind::lineTo);
+    auto const x = static_cast<float>(8.0 * p / 499);
+    EXPECT_EQ(operation.place.left, 82 + p);
+    EXPECT_EQ(operation.place.top, dialog.Scale().PixelY(table.Evaluate(x)));
+  }
+}
+
+TEST(SplinePaint, BreaksTheCurveOffWhereItLeavesThePlot) {
+  CSpline table = Table({{0, 0}, {4, 200}, {8, 0}});
+  table.MaxX(8);
+  table.MinY(0);
+  table.MaxY(100);
+  CSplineDialog dialog = Opened(table);
+  Operations const curve = DrawnWith(Paint(dialog), 0xFF0000, 2);
+  CRect const inner{82, 22, 583, 351};
+  bool before = false;
+  int moves = 0;
+  for (CDrawOperation const &operation : curve) {
+    bool const inside = PtInRect(inner, {operation.place.left, operation.place.top});
+    EXPECT_EQ(operation.kind, before && inside ? Kind::lineTo : Kind::moveTo);
+    moves += operation.kind == Kind::moveTo ? 1 : 0;
+    before = inside;
+  }
+  EXPECT_GT(moves, 200);
+  EXPECT_LT(moves, 300);
+}
+
+TEST(SplinePaint, AnEmptyTableIsAFlatLineInTheMiddle) {
+  CSpline table;
+  table.MinY(20);
+  table.MaxY(60);
+  CSplineDialog dialog = Opened(table);
+  Operations const curve = DrawnWith(Paint(dialog), 0xFF0000, 2);
+  ASSERT_EQ(curve.size(), 500U);
+  for (CDrawOperation const &operation : curve)
+    EXPECT_EQ(operation.place.top, dialog.Scale().PixelY(40));
+  EXPECT_TRUE(Ellipses(Paint(dialog)).empty());
+}
+
+TEST(SplinePaint, DrawsHandlesInWhiteAndTheSelectedOneInRed) {
+  CSplineDialog dialog = Opened(DistanceTable());
+  dialog.OnLButtonDown(CentreOf(dialog.Handles()[1]));
+  Operations const operations = Paint(dialog);
+  CDrawing expected;
+  expected.Pen(0, 1);
+  expected.Brush(0xFFFFFF);
+  expected.Ellipse(dialog.Handles()[0]);
+  expected.Brush(0x0000FF);
+  expected.Ellipse(dialog.Handles()[1]);
+  expected.Brush(0xFFFFFF);
+  expected.Ellipse(dialog.Handles()[2]);
+  Operations const &end = expected.Operations();
+  ASSERT_GT(operations.size(), end.size());
+  EXPECT_TRUE(std::equal(end.rbegin(), end.rend(), operations.rbegin()));
+}
+
+TEST(SplinePaint, DoesNotDrawHandlesOutsideTheLimits) {
+  CSpline table = DistanceTable();
+  table.Add(9, 0);      // right of the plot
+  table.Add(4, 101);    // above the margin
+  table.Add(5, 99.99);  // just within
+  CSplineDialog dialog = Opened(table);
+  EXPECT_EQ(dialog.Handles().size(), 6U);
+  EXPECT_EQ(Ellipses(Paint(dialog)).size(), 4U);
+}
+
+TEST(SplinePaint, DrawsAHandleOnTheRightAndBottomEndOfTheMargin) {
+  CSpline table = Table({{0, 1}, {1, -1}});
+  CSplineDialog dialog = Opened(table);
+  ASSERT_EQ(CentreOf(dialog.Handles()[1]).x, kRight - 8);
+  ASSERT_EQ(CentreOf(dialog.Handles()[1]).y, kBottom - 8);
+  EXPECT_EQ(Ellipses(Paint(dialog)).size(), 2U);
+}
+
+TEST(SplinePaint, GoesFromPlotToTicksGridAxesCurveAndHandles) {
+  CSplineDialog dialog = Opened(DistanceTable());
+  dialog.Press(5000);
+  dialog.Press(5010);
+  std::vector<std::pair<unsigned long, int>> pens;
+  for (CDrawOperation const &operation : Paint(dialog))
+    if (operation.kind == Kind::pen) pens.emplace_back(operation.colour, operation.width);
+  EXPECT_EQ(pens, (std::vector<std::pair<unsigned long, int>>{
+                      {0, 1}, {0x7F7F7F, 1}, {0, 1}, {0x0000FF, 1}, {0xFF0000, 2}, {0, 1}}));
+}
+
+TEST(SplinePaint, BuildsTheCurveOfASplineOnceForEachChange) {
+  CSpline table = DistanceTable();
+  table.TableLinear(false);
+  table.MaxX(9);  // so that the list is no reason to build it
+  CSplineDialog dialog = Opened(table);
+  EXPECT_FALSE(CSplineAccess::CurveValid(dialog.Table()));
+  Paint(dialog);
+  EXPECT_TRUE(CSplineAccess::CurveValid(dialog.Table()));
+}
+
+TEST(SplinePaint, ThrowsWhatTheCurveThrows) {
+  CSpline table = Table({{0, 0}, {1e-7, 0}, {1, 0}});
+  table.TableLinear(false);
+  CSplineDialog dialog = Opened(table);
+  CDrawing drawing;
+  EXPECT_THROW(dialog.OnPaint(drawing), std::string);
+}
+
+TEST(SplinePaint, KeepsLimitsThatSixDigitsDoNotHold) {
+  CSpline table = DistanceTable();
+  table.MaxY(1.0F / 3);
+  CSplineDialog dialog = Opened(table);
+  Paint(dialog);
+  dialog.Press(1);
+  EXPECT_EQ(dialog.MaxY(), 1.0F / 3);
+}
+
+}  // namespace

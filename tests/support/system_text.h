@@ -1,0 +1,20 @@
+// What differs between systems in the files that tests look at.
+
+#pragma once
+
+#include <string>
+
+#ifdef _WIN32
+constexpr char kLineEnd[] = "\r\n";
+constexpr bool kNamesMayHoldColons = false;
+#else
+constexpr char kLineEnd[] = "\n";
+constexpr bool kNamesMayHoldColons = true;
+#endif
+
+/// A text with LF as a stream in text mode writes it.
+inline std::string AsTextFile(std::string const &text) {
+  std::string written;
+  for (char const c : text) c == '\n' ? written += kLineEnd : written += c;
+  return written;
+}
