@@ -35,7 +35,8 @@ class QUILLAVEN_API CFtpConnection {
   /// alone as itself.
   ///
   /// The file is for reading from its begin to its end: of its operations Read and Close do their
-  /// work, and Read throws a CInternetException where the transfer breaks off. One file is open at a
+  /// work. Read gives as many bytes as it is asked for, up to the end; where the transfer breaks off
+  /// it gives what had arrived, and throws a CInternetException the next time. One file is open at a
   /// time: to open another gives up the one before, whose next Read throws. A file is destroyed before
   /// its connection.
   virtual std::unique_ptr<CFile> OpenFile(char const *object, bool binary) = 0;

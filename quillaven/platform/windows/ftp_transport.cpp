@@ -67,13 +67,18 @@ class WinInetFile : public CFile {
   void Close() override { m_handle.Close(); }
 
  private:
+  // A connection that breaks gives what had arrived, and the next time its error.
   std::size_t ReadRaw(void *buffer, std::size_t count) {
     auto *const to = static_cast<char *>(buffer);
     std::size_t done = 0;
-    while (done < count) {
-      std::size_t const got = ReadPiece(to + done, count - done);
-      if (got == 0) break;
-      done += got;
+    try {
+      while (done < count) {
+        std::size_t const got = ReadPiece(to + done, count - done);
+        if (got == 0) break;
+        done += got;
+      }
+    } catch (CInternetException const &) {
+      if (done == 0) throw;
     }
     return done;
   }
