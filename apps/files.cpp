@@ -29,11 +29,17 @@ std::string FirstWordInCapitals(std::string const &line) {
 void RequireReadable(std::string const &file) {
   std::string const path = SystemPath(file);
   if (std::filesystem::is_directory(path)) throw Failure("'" + file + "' is a folder");
-  if (std::filesystem::exists(path) && !std::filesystem::is_regular_file(path))
-    throw Failure("'" + file + "' is no plain file");
   errno = 0;
   std::ifstream const stream(path, std::ios::binary);
   if (!stream) throw Failure("cannot open '" + file + "': " + std::strerror(errno));
+}
+
+void RequirePlainFile(std::string const &file) {
+  std::string const path = SystemPath(file);
+  if (std::filesystem::is_directory(path)) throw Failure("'" + file + "' is a folder");
+  if (std::filesystem::exists(path) && !std::filesystem::is_regular_file(path))
+    throw Failure("'" + file + "' is no plain file");
+  RequireReadable(file);
 }
 
 bool IsGrid(std::string const &file) {
@@ -45,7 +51,7 @@ bool IsGrid(std::string const &file) {
 }
 
 void RequireGrid(std::string const &file) {
-  RequireReadable(file);
+  RequirePlainFile(file);
   if (!IsGrid(file)) throw Failure("'" + file + "' is no ASCII grid");
 }
 

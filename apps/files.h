@@ -15,6 +15,9 @@ inline bool HasCells(int rows, int cols) {
   return rows > 0 && cols > 0;
 }
 
+/// The same for a file that is read more than once, which no pipe can be.
+void RequirePlainFile(std::string const &file);
+
 /// Whether a file begins as an ASCII grid.
 bool IsGrid(std::string const &file);
 

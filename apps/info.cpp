@@ -175,7 +175,7 @@ bool IsText(std::string const &file) {
 }  // namespace
 
 void Info(std::string const &file) {
-  RequireReadable(file);
+  RequirePlainFile(file);
   std::string const start = FirstBytes(file, 8);
   bool const isPair = KindOfRaster(file) == RasterKind::kIdrisi;  // an image may hold no cells
   if (start.empty() && !isPair) throw Failure("'" + file + "' is empty");

@@ -140,7 +140,7 @@ int IdrisiCellBytes(CIdrisiImageHeader const &header) {
 
 void RequireIdrisiImage(std::string const &file, CIdrisiImageHeader &header) {
   std::string const image = IdrisiImage(file);
-  RequireReadable(image);
+  RequirePlainFile(image);
   int const width = IdrisiCellBytes(header);
   if (width == 0 || !HasCells(header.Rows(), header.Columns())) return;
   std::uint64_t const cells =
@@ -152,7 +152,7 @@ void RequireIdrisiImage(std::string const &file, CIdrisiImageHeader &header) {
 template <class T>
 void LoadRaster(CMatrixBaseMap<T> &map, std::string const &file, RasterKind kind,
                 Console const &console) {
-  RequireReadable(file);
+  RequirePlainFile(file);
   if (kind == RasterKind::kMap) return LoadMap(map, file);
   if (kind == RasterKind::kGrid) RequireGrid(file);
   if (kind == RasterKind::kIdrisi) RequireReadablePair(file, console);

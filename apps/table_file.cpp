@@ -12,7 +12,7 @@ constexpr int kLineSize = 4096;
 constexpr char kColumns[] = "Type\tName\tXmin\tXmax\tYmin\tYmax\t#Points\tXLabel\tYLabel";
 
 void OpenText(CStdioFile &stream, std::string const &file) {
-  RequireReadable(file);
+  RequirePlainFile(file);
   if (!stream.Open(file.c_str(), CFile::modeRead | CFile::typeText))
     throw Failure("cannot open '" + file + "'");
 }
