@@ -1,4 +1,5 @@
-# Debian packages: what programs need to run, and what they need to be built.
+# Debian packages: what programs need to run, what they need to be built, the program itself, and the
+# windows where they are built.
 
 set(CPACK_PACKAGE_NAME quillaven)
 set(CPACK_PACKAGE_VENDOR "QuillavenLib")
@@ -8,7 +9,7 @@ set(CPACK_PACKAGE_DESCRIPTION_SUMMARY ${PROJECT_DESCRIPTION})
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_STRIP_FILES ON)
 set(CPACK_GENERATOR DEB)
-set(CPACK_COMPONENTS_ALL runtime development)
+set(CPACK_COMPONENTS_ALL runtime development program)
 set(CPACK_DEB_COMPONENT_INSTALL ON)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
@@ -17,4 +18,18 @@ set(CPACK_DEBIAN_RUNTIME_PACKAGE_SECTION libs)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME libquillaven-dev)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "libquillaven0 (= ${PROJECT_VERSION})")
+set(CPACK_DEBIAN_PROGRAM_PACKAGE_NAME quillaven)
+set(CPACK_DEBIAN_PROGRAM_PACKAGE_SECTION science)
+set(CPACK_DEBIAN_PROGRAM_PACKAGE_DEPENDS "libquillaven0 (= ${PROJECT_VERSION})")
+if(TARGET QuillavenDesktop)
+  list(APPEND CPACK_COMPONENTS_ALL desktop)
+  set(CPACK_DEBIAN_DESKTOP_PACKAGE_NAME libquillaven-desktop)
+  set(CPACK_DEBIAN_DESKTOP_PACKAGE_SECTION libs)
+  set(CPACK_DEBIAN_DESKTOP_PACKAGE_DEPENDS "libquillaven0 (= ${PROJECT_VERSION})")
+  string(APPEND CPACK_DEBIAN_PROGRAM_PACKAGE_DEPENDS
+         ", libquillaven-desktop (= ${PROJECT_VERSION})")
+endif()
+# The libraries of one package are not installed while the next is made.
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${PROJECT_BINARY_DIR}/quillaven
+                                                ${PROJECT_BINARY_DIR}/desktop)
 include(CPack)

@@ -3,9 +3,9 @@
 
   doc_examples_test.py SOURCE-FOLDER LIBRARY PROGRAM COMPILER [FLAGS]
 
-Blocks marked cpp that hold a main function are whole programs; a program that is made of several
-blocks stands in one. Lines of blocks marked sh are commands: those of the program are run, and
-scripts must be there. Blocks without a mark are contents of files, which other tests look at.
+Blocks marked cpp are whole programs. Lines of blocks marked sh are commands: those of the program are
+run, and scripts must be there. What waits for a user at a screen is built, but not run. Blocks without
+a mark are contents of files, which other tests look at.
 """
 
 import os
@@ -45,15 +45,20 @@ def build_and_run(where, code):
     with open("example.cpp", "w", encoding="utf-8") as file:
         file.write(code)
     folder = os.path.dirname(library)
-    run(where, [compiler, *flags, "-std=c++20", "-Wall", "-Wextra", "-Werror", f"-I{source}", "example.cpp",
-                library, f"-Wl,-rpath,{folder}", "-o", "example"])
+    command = [compiler, *flags, "-std=c++20", "-Wall", "-Wextra", "-Werror", f"-I{source}", "example.cpp"]
+    if "<quillaven/desktop/" in code:
+        run(where, [*command, f"-I{source}/desktop/include", "-fsyntax-only"])
+        return
+    run(where, [*command, library, f"-Wl,-rpath,{folder}", "-o", "example"])
     run(where, ["./example"])
 
 
 def run_commands(where, text):
     for line in text.splitlines():
         line = line.split("#")[0].strip()
-        if line.startswith("quillaven "):
+        if line.startswith("quillaven table edit "):
+            run(where, [program, "table", "edit", "--help"])
+        elif line.startswith("quillaven "):
             run(where, [program, *line.split()[1:]])
         elif line.startswith(("scripts/", "tests/")):
             if not os.access(os.path.join(source, line.split()[0]), os.X_OK):
