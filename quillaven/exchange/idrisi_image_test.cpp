@@ -440,6 +440,7 @@ void RoundTrip(Map &map, CMultiScaleMatrix<T> &raster, std::mt19937 &random,
   int const width = static_cast<int>(random() % 4) + 1;
   int const rows = static_cast<int>(random() % 20) + 1;
   int const cols = static_cast<int>(random() % 20) + 1;
+  DefaultResolutionMap(nullptr);  // that of the round before is gone
   CMultiScaleByteMatrix pattern;
   pattern.Redim(rows, cols, width);
   for (int i = 0; i < 6; ++i)
