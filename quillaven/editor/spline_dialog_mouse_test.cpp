@@ -53,6 +53,27 @@ CSpline PointTable() {
   return table;
 }
 
+// A plot that is 500 pixels wide within its margin, and one pixel high.
+void OpenFlat(CSplineDialog &dialog, CSpline const &table) {
+  dialog.Table(table);
+  dialog.Place(1007, {0, 0, 1, 1});
+  dialog.Place(1005, {0, 0, 1, 1});
+  dialog.Place(1008, {0, 0, 516, 17});
+  dialog.Place(1006, {0, 0, 17, 17});
+  dialog.OnInitDialog();
+}
+
+// Pixels and values are no exact inverses: a handle that was dragged may lie a little beside.
+void ExpectHandlesAtTheirPoints(CSplineDialog const &dialog) {
+  CSpline const &table = dialog.Table();
+  ASSERT_EQ(dialog.Handles().size(), static_cast<std::size_t>(table.GetSize()));
+  for (int i = 0; i < table.GetSize(); ++i) {
+    CPoint const centre = CentreOf(dialog.Handles()[static_cast<std::size_t>(i)]);
+    EXPECT_NEAR(centre.x, dialog.Scale().PixelX(table.GetXAt(i)), 2) << i;
+    EXPECT_NEAR(centre.y, dialog.Scale().PixelY(table.GetYAt(i)), 2) << i;
+  }
+}
+
 TEST(HitTest, TakesTheFirstHandleThatHoldsThePoint) {
   CSpline table = PointTable();
   table.Add(2.02, 5);  // a pixel to the right: the handles overlap
@@ -252,7 +273,94 @@ TEST(Dragging, ATableOutOfOrderKeepsItsHandlesInStep) {
     EXPECT_EQ(tool.dialog.Handles().size(),
               static_cast<std::size_t>(tool.dialog.Table().GetSize()));
     EXPECT_EQ(tool.dialog.Selected().size(), tool.dialog.Handles().size());
+    ExpectHandlesAtTheirPoints(tool.dialog);
   }
+}
+
+// Each point of it stands before a smaller one, so that one that is taken out and put in again may
+// come to another place.
+TEST(Dragging, APointThatComesToAnotherPlaceTakesItsHandleAlong) {
+  TemporaryDirectory const directory;
+  std::string const file =
+      directory.Write("t.txt", "-1\t1\t5\nx\t6\t2\t4\t1\t8\ny\t0\t0.5\t-0.5\t0\t0\n");
+  CStdioFile stream;
+  ASSERT_TRUE(stream.Open(file.c_str(), CFile::modeRead | CFile::typeText));
+  CSpline table;
+  table.OnRead2(stream);
+  ASSERT_EQ(table.GetSize(), 5);
+  table.MinX(0);
+  table.MaxX(10);
+  for (int i = 0; i < 5; ++i) {
+    SCOPED_TRACE(i);
+    Tool tool(table);
+    tool.DragFrom(tool.Centre(i), 0, -20);
+    EXPECT_EQ(tool.dialog.Table().GetSize(), 5);
+    ExpectHandlesAtTheirPoints(tool.dialog);
+  }
+}
+
+TEST(Dragging, HoldsAPointWithinTheMarginAtTheSides) {
+  CSpline table = Table({{-5, 0}, {2, 0}, {15, 0}});  // neighbours outside the limits
+  table.MaxX(10);
+  Tool tool(table);
+  CRect const plot = tool.dialog.Plot();
+  CPoint const from = tool.Centre(1);
+  tool.dialog.OnLButtonDown(from);
+  tool.dialog.OnMouseMove({plot.left, from.y});
+  EXPECT_EQ(tool.Centre(1).x, plot.left + 8);
+  tool.dialog.OnLButtonUp(from);
+  tool.dialog.OnLButtonDown(tool.Centre(1));
+  tool.dialog.OnMouseMove({plot.right - 1, from.y});
+  EXPECT_EQ(tool.Centre(1).x, plot.right - 8);
+}
+
+// Where the limits run backwards, the neighbour's column less one lies behind the neighbour's x.
+TEST(Dragging, AnInnerPointWhoseXWouldBreakALimitStaysWhereItIs) {
+  CSpline table = PointTable();
+  table.MinX(10);
+  table.MaxX(0);
+  Tool tool(table);
+  CPoint const from = tool.Centre(1);
+  tool.Repaint();
+  tool.dialog.OnLButtonDown({from.x, from.y});
+  ASSERT_TRUE(tool.Repaint());
+  tool.dialog.OnMouseMove({from.x - 5, from.y - 5});
+  EXPECT_EQ(PointsOf(tool.dialog.Table()), PointsOf(PointTable()));
+  EXPECT_EQ(tool.Centre(1).x, from.x);
+  EXPECT_EQ(tool.Centre(1).y, from.y);
+  EXPECT_FALSE(tool.Repaint());
+}
+
+TEST(Dragging, SidewaysInAPlotOnePixelHighKeepsTheHeight) {
+  CSplineDialog dialog;
+  OpenFlat(dialog, PointTable());
+  CPoint const from = CentreOf(dialog.Handles()[1]);
+  dialog.OnLButtonDown(from);
+  dialog.OnMouseMove({from.x + 10, from.y});
+  EXPECT_GT(dialog.Table().GetXAt(1), 2.0);
+  EXPECT_EQ(dialog.Table().GetYAt(1), 5.0);
+}
+
+TEST(Dragging, ToAHeightThatNoFloatHoldsIsRefused) {
+  CSpline table = Table({{0, 0}, {4, 3e38}, {8, 0}});
+  table.MaxX(8);
+  table.MinY(-3e38F);
+  table.MaxY(3e38F);
+  Tool tool(table);
+  CPoint const from = tool.Centre(1);
+  tool.dialog.OnLButtonDown(from);
+  tool.dialog.OnMouseMove({from.x, tool.dialog.Plot().bottom - 1});
+  EXPECT_EQ(tool.Y(1), 3e38);
+  tool.dialog.OnMouseMove({from.x, from.y + 100});
+  EXPECT_LT(tool.Y(1), 3e38);
+  EXPECT_GT(tool.Y(1), 0.0);
+}
+
+TEST(DoubleClick, InAPlotOnePixelHighAddsNothing) {
+  CSplineDialog dialog;
+  OpenFlat(dialog, PointTable());
+  dialog.OnLButtonDblClk({300, 8});
+  EXPECT_EQ(dialog.Table().GetSize(), 4);
 }
 
 TEST(DoubleClick, OnAnEmptyPlaceAddsAPointAndASecondOneRemovesIt) {
@@ -360,6 +468,27 @@ TEST(RightButton, LeavesTheXOfTheFirstAndLastPoint) {
     tool.dialog.OnRButtonDown(tool.Centre(i));
     EXPECT_EQ(tool.X(i), x);
     EXPECT_EQ(tool.Y(i), -7.0);
+  }
+}
+
+// A dialog's fields are floats, and the points of a table need not be.
+TEST(RightButton, KeepsAnXOfTheFirstAndLastPointThatNoFloatHolds) {
+  CSpline const table = Table({{0.1, 0.25}, {0.10000000075, 0.5}, {0.9, 0.75}});
+  for (int const i : {0, 2}) {
+    for (char const *y : {"", "0.5"}) {
+      DialogApplication application;
+      Tool tool(table);
+      application.scripts = {[&](CDialog &edit) {
+        if (*y != '\0') edit.Type(5017, y);
+        edit.Press(1);
+      }};
+      Pairs expected = PointsOf(table);
+      if (*y != '\0') expected[static_cast<std::size_t>(i)].second = 0.5;
+      CPoint const centre = tool.Centre(i);
+      tool.dialog.OnRButtonDown({centre.x, centre.y - (i == 0 ? 0 : 1)});
+      ASSERT_EQ(application.opened, 1U);
+      EXPECT_EQ(PointsOf(tool.dialog.Table()), expected) << i << " " << y;
+    }
   }
 }
 
