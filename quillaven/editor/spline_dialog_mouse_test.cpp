@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <new>
 #include <random>
 #include <sstream>
 #include <string>
@@ -581,6 +582,94 @@ TEST(MouseEvents, InAnyOrderKeepTheTableSortedAndEverythingInStep) {
     }
   }
   EXPECT_GT(edited, 500);
+}
+
+// Which handles may lie beside their points: those that a drag has moved since the last layout.
+class DraggedHandles {
+ public:
+  void Follow(CSplineDialog const &dialog) {
+    m_dragged.resize(dialog.Handles().size(), 0);
+    for (std::size_t i = 0; i < m_dragged.size(); ++i)
+      if (dialog.Dragging() && dialog.Selected()[i] != 0) m_dragged[i] = 1;
+    bool beside = false;
+    for (int i = 0; i < dialog.Table().GetSize(); ++i) {
+      if (IsAtItsPoint(dialog, i)) continue;
+      beside = true;
+      EXPECT_EQ(m_dragged[static_cast<std::size_t>(i)], 1) << i;
+    }
+    if (!beside) m_dragged.assign(m_dragged.size(), 0);
+  }
+
+ private:
+  static bool IsAtItsPoint(CSplineDialog const &dialog, int i) {
+    CPoint const centre = CentreOf(dialog.Handles()[static_cast<std::size_t>(i)]);
+    return centre.x == dialog.Scale().PixelX(dialog.Table().GetXAt(i)) &&
+           centre.y == dialog.Scale().PixelY(dialog.Table().GetYAt(i));
+  }
+  std::vector<int> m_dragged;
+};
+
+// Equal, turned round, huge and tiny ones, too.
+std::string AnyLimit(std::mt19937 &random) {
+  std::vector<std::string> const limits = {"0", "8", "-1", "1e-30", "3e38", "-3e38", "7.3", "100"};
+  return limits[random() % limits.size()];
+}
+
+void AnswerAnything(CDialog &dialog, std::mt19937 &random) {
+  if (dialog.Title() == "Options") {
+    for (int id = 5005; id <= 5008; ++id) dialog.Type(id, AnyLimit(random));
+  } else {
+    dialog.Type(5016, std::to_string(static_cast<int>(random() % 12) - 2) + ".1");
+    dialog.Type(5017, std::to_string(random() % 90));
+  }
+  dialog.Press(1);
+  if (dialog.Result() == 0) dialog.Press(2);  // refused
+}
+
+void DoAnythingAtAll(CSplineDialog &dialog, std::mt19937 &random) {
+  switch (random() % 30) {
+    case 0:
+      return dialog.Press(CSplineDialog::kOptions);
+    case 1:
+      return dialog.OnCommand(5011);
+    case 2: {
+      CDrawing drawing;
+      return dialog.OnPaint(drawing);
+    }
+    default:
+      if (!dialog.Handles().empty()) return DoAnything(dialog, random);
+      return dialog.OnLButtonDblClk({static_cast<int>(random() % 600), 100});
+  }
+}
+
+TEST(MouseEvents, OnAnyTableWithAnyLimitsKeepEverythingInStep) {
+  DialogApplication application;
+  std::vector<Pairs> const tables = {
+      {}, {{0.1, 3}}, {{0.1, 0}, {0.9, 1}}, {{0.1, 0}, {0.10000000075, 5}, {1.0 / 3, 2}, {7.7, 1}}};
+  for (unsigned int seed = 1; seed <= 120; ++seed) {
+    SCOPED_TRACE(seed);
+    std::mt19937 random(seed);
+    CSpline table = Table(tables[seed % tables.size()]);
+    table.MaxX(8);
+    Tool tool(table);
+    DraggedHandles dragged;
+    for (int step = 0; step < 300 && !testing::Test::HasFailure(); ++step) {
+      SCOPED_TRACE(step);
+      application.scripts = {[&](CDialog &dialog) { AnswerAnything(dialog, random); }};
+      try {
+        DoAnythingAtAll(tool.dialog, random);
+      } catch (std::string const &text) {
+        EXPECT_EQ(text, "spline only for n >= 3 points");
+      } catch (std::bad_alloc const &) {  // a curve that is too long to be sampled
+      }
+      CSpline const &edited = tool.dialog.Table();
+      ASSERT_EQ(tool.dialog.Handles().size(), static_cast<std::size_t>(edited.GetSize()));
+      ASSERT_EQ(tool.dialog.Selected().size(), tool.dialog.Handles().size());
+      for (int i = 1; i < edited.GetSize(); ++i) ASSERT_LT(edited.GetXAt(i - 1), edited.GetXAt(i));
+      for (auto const &[x, y] : PointsOf(edited)) ASSERT_TRUE(std::isfinite(x) && std::isfinite(y));
+      dragged.Follow(tool.dialog);
+    }
+  }
 }
 
 }  // namespace
