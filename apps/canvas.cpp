@@ -98,7 +98,8 @@ class PixelCanvas : public Canvas {
     double const top = base.y - image.height;
     for (int y = 0; y < image.height; ++y)
       for (int x = 0; x < image.width; ++x)
-        if (image.letters[static_cast<std::size_t>(y * image.width + x)] != 0)
+        if (image.letters[static_cast<std::size_t>(y) * static_cast<std::size_t>(image.width) +
+                          static_cast<std::size_t>(x)] != 0)
           Set(left + x, top + y, kBlack);
   }
   std::string Bytes() const override { return m_Encode(m_Picture); }

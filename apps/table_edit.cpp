@@ -1,10 +1,10 @@
 // The spline tool on a table of a file.
 
-#include <algorithm>
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <system_error>
 
 #include "apps/commands.h"
@@ -20,21 +20,36 @@ namespace {
 constexpr unsigned int kOk = 1;
 
 #if defined(QUILLAVEN_HAS_DESKTOP)
-unsigned int EditInWindow(CSpline &table) {
-  CDesktopApplication application;
+// The tool closes as if cancelled when a table cannot be drawn. Here the reason is kept on its way.
+class ToolApplication : public CDesktopApplication {
+ public:
+  unsigned int RunModal(CDialog &dialog) override {
+    try {
+      return CDesktopApplication::RunModal(dialog);
+    } catch (std::string const &text) {
+      reason = text;
+      throw;
+    } catch (std::exception const &error) {
+      reason = error.what();
+      throw;
+    }
+  }
+  std::string reason;
+};
+
+bool EditInWindow(CSpline &table) {
+  ToolApplication application;
   if (!application.HasDisplay()) throw Failure("there is no display to edit a table on");
-  return CSpline::DoModal(table);
+  bool const ok = CSpline::DoModal(table) == kOk;
+  if (!ok && !application.reason.empty())
+    throw Failure("the table cannot be drawn, and is unchanged: " + application.reason);
+  return ok;
 }
 #else
-unsigned int EditInWindow(CSpline & /*table*/) {
+bool EditInWindow(CSpline & /*table*/) {
   throw Failure("there is no display to edit a table on: this program was built without wxWidgets");
 }
 #endif
-
-std::string BytesOf(std::string const &file) {
-  std::ifstream stream(SystemPath(file), std::ios::binary);
-  return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
-}
 
 // The old file under another name, before anything is written.
 std::string KeepBackup(std::string const &file) {
@@ -46,49 +61,57 @@ std::string KeepBackup(std::string const &file) {
   return backup;
 }
 
-// A file around one of its tables. A reader of digits stops before the end of their line, which
-// belongs to the table all the same.
-struct Surroundings {
-  std::string before;
-  std::string behind;
+// What is told of a file that cannot be written ends in where to find what was there.
+void WriteBytes(std::string const &file, std::string const &bytes, std::string const &advice) {
+  errno = 0;
+  std::ofstream stream(SystemPath(file), std::ios::binary);
+  stream << bytes;
+  stream.close();
+  if (!stream) throw Failure("cannot write '" + file + "': " + std::strerror(errno) + advice);
+}
 
-  Surroundings(std::string const &bytes, TableInFile const &found) {
-    auto begin = std::min(static_cast<std::size_t>(found.begin), bytes.size());
-    auto end = std::min(static_cast<std::size_t>(found.end), bytes.size());
-    if (!found.tagged) begin = std::min(bytes.find_first_not_of(" \t\r\n", begin), end);
-    if (end > 0 && bytes[end - 1] != '\n') {
-      if (bytes.compare(end, 1, "\r") == 0) ++end;
-      if (bytes.compare(end, 1, "\n") == 0) ++end;
-    }
-    before = bytes.substr(0, begin);
-    behind = bytes.substr(end);
-  }
-};
+// Another program may have written the file while the window was open. Neither work is lost.
+void WriteBeside(std::string const &file, std::string const &bytes) {
+  std::string const other = file + ".edited";
+  WriteBytes(other, bytes, "");
+  throw Failure("'" + file +
+                "' has changed while its table was edited; it stays as it is now, and "
+                "the file with the edited table is '" +
+                other + "'");
+}
+
+void RequireWhole(TableInFile const &found, TableOptions const &options) {
+  if (found.cut)
+    throw Failure("'" + options.file + itostr("': a line of table %d ", options.table) +
+                  "is too long to be read whole, so it cannot be edited");
+  if (found.promised != found.table.GetSize())
+    throw Failure("'" + options.file + itostr("': table %d ", options.table) +
+                  itostr("tells %d points, ", found.promised) +
+                  itostr("and %d can be read, so it cannot be edited", found.table.GetSize()));
+}
 
 }  // namespace
 
 // The other tables of the file stay byte for byte.
 void TableEdit(TableOptions const &options) {
-  TableInFile found = ReadTable(options.file, options.table);
   std::string const bytes = BytesOf(options.file);
-  if (EditInWindow(found.table) != kOk) {
+  TableInFile found = ReadTable(options.file, options.table);
+  RequireWhole(found, options);
+  if (!EditInWindow(found.table)) {
     std::printf("%s: unchanged\n", options.file.c_str());
     return;
   }
+  std::string const lines = TextOfTable(found);
+  std::string const edited = found.before + lines + found.behind;
+  if (BytesOf(options.file) != bytes) WriteBeside(options.file, edited);
   std::string const backup = KeepBackup(options.file);
-  Surroundings const around(bytes, found);
-  WriteTextFile(options.file, [&](CStdioFile &out) {
-    out.Write(around.before.data(), static_cast<unsigned int>(around.before.size()));
-    if (found.tagged) {
-      found.table.OnWrite(out, found.number);
-    } else {
-      found.table.OnWrite2(out);
-    }
-    out.Write(around.behind.data(), static_cast<unsigned int>(around.behind.size()));
-  });
+  WriteBytes(options.file, edited, ", the old file is " + backup);
   std::printf("%s: table %d written, the old file is %s\n", options.file.c_str(), options.table,
               backup.c_str());
   if (!found.tagged && !found.table.TableLinear())
     std::printf("%s: this form of file holds no type; the table is read as straight lines\n",
+                options.file.c_str());
+  if (found.tagged && HasLongLine(lines))
+    std::printf("%s: the table has a line that is too long to be read whole again\n",
                 options.file.c_str());
 }

@@ -1,7 +1,8 @@
 // Function tables in files, of either form.
 //
-//   TableInFile const found = ReadTable("tables.txt", 2);
-//   WriteTextFile("copy.txt", [&](CStdioFile &out) { CSpline(found.table).OnWrite2(out); });
+//   TableInFile found = ReadTable("tables.txt", 2);
+//   found.table.Add(1, 2);
+//   std::string const bytes = found.before + TextOfTable(found) + found.behind;
 
 #pragma once
 
@@ -13,13 +14,25 @@
 struct TableInFile {
   CSpline table;
   bool tagged = false;
-  int number = 0;       // in the brackets of a table in tagged form
-  long long begin = 0;  // the bytes of its lines
-  long long end = 0;
+  int promised = 0;     // the number of points that the file tells; more or less may be read
+  bool cut = false;     // a line is longer than is read
+  std::string header;   // the first line of a table in tagged form, as it stands
+  std::string lineEnd;  // "\n" or "\r\n"
+  std::string before;   // the bytes of the file around the table
+  std::string behind;
 };
 
 /// The n-th table of a file, counted from 1. Throws a Failure if there is none.
 TableInFile ReadTable(std::string const &file, int n);
+
+/// The lines of a table as they belong between `before` and `behind`: in the form, under the header
+/// line and with the line ends that it was read with.
+std::string TextOfTable(TableInFile &found);
+
+/// Whether a line is longer than a table in tagged form is read.
+bool HasLongLine(std::string const &lines);
+
+std::string BytesOf(std::string const &file);
 
 /// Makes a file with what is written; throws a Failure that names it and the system's reason.
 void WriteTextFile(std::string const &file, std::function<void(CStdioFile &)> const &write);

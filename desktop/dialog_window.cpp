@@ -122,13 +122,14 @@ DialogWindow::DialogWindow(wxWindow *parent, CDialog &dialog)
   m_panel->SetBackgroundStyle(wxBG_STYLE_PAINT);
   CDialogTemplate const &form = dialog.Template();
   SetClientSize(InPixels({0, 0, form.width, form.height}).GetSize());
-  for (CControl const &control : dialog.Controls()) m_shown.push_back({MakeControl(control), {}});
+  for (CControl const &control : dialog.Controls())
+    m_shown.push_back({MakeControl(control), {}, false});
   if (CIcon const *icon = dialog.OnQueryDragIcon()) SetIcons(LargeAndSmall(*icon));
   BindMouse();
   m_panel->Bind(wxEVT_PAINT, &DialogWindow::OnPaint, this);
   Bind(wxEVT_CHAR_HOOK, &DialogWindow::OnKey, this);
   Bind(wxEVT_CLOSE_WINDOW, [this](wxCloseEvent &) {
-    Tell([this] { m_dialog.Press(static_cast<int>(CDialog::kCancel)); });
+    Tell([this] { m_dialog.OnCommand(static_cast<int>(CDialog::kCancel)); });
   });
   Bind(wxEVT_SIZE, [this](wxSizeEvent &event) {
     TellSize();
@@ -221,7 +222,8 @@ void DialogWindow::BindMouse() {
   });
 }
 
-// Escape cancels. Return presses the button that has the focus, and OK where no button has it.
+// Escape cancels. Return presses the button that has the focus, and OK where no button has it. The
+// commands of OK and Cancel need no button that carries them.
 void DialogWindow::OnKey(wxKeyEvent &event) {
   int const key = event.GetKeyCode();
   int id = -1;
@@ -231,7 +233,7 @@ void DialogWindow::OnKey(wxKeyEvent &event) {
     id = button != nullptr ? IdOf(button) : static_cast<int>(CDialog::kOk);
   }
   if (id == -1) return event.Skip();
-  Tell([this, id] { m_dialog.Press(id); });
+  Tell([this, id] { m_dialog.OnCommand(id); });
 }
 
 void DialogWindow::OnPaint(wxPaintEvent & /*event*/) {
@@ -325,7 +327,11 @@ void DialogWindow::ShowControl(CControl const &control, Shown &shown) {
   } else if (auto *box = dynamic_cast<wxCheckBox *>(window)) {
     if (box->GetValue() != control.checked) box->SetValue(control.checked);
   } else if (auto *radio = dynamic_cast<wxRadioButton *>(window)) {
-    // The toolkit puts the others of a group out by itself, and lets none be put out alone.
+    // The toolkit has set a button that was pressed before the dialog sets it, in its next paint:
+    // only what has changed in the dialog is followed. The toolkit puts the others of a group out by
+    // itself, and lets none be put out alone.
+    if (shown.checked == control.checked) return;
+    shown.checked = control.checked;
     if (control.checked && !radio->GetValue()) radio->SetValue(true);
   } else if (auto *list = dynamic_cast<wxListBox *>(window)) {
     if (shown.rows == control.rows) return;

@@ -23,6 +23,7 @@ class DialogWindow : public wxDialog {
   struct Shown {
     wxWindow *window = nullptr;
     std::vector<std::string> rows;
+    bool checked = false;
   };
 
   wxRect InPixels(CRect const &units) const;

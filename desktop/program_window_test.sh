@@ -95,6 +95,69 @@ for number in 1 2; do
   expect_same "both tables" "$(cksum < steps.txt)" "$(cksum < steps.txt.bak)"
 done
 
+# Files with CR LF at the ends of their lines keep these, and every byte around the table.
+sed 's/$/\r/' old.txt > tagged-crlf.txt
+sed 's/$/\r/' steps.txt > compact-crlf.txt
+for file in tagged-crlf compact-crlf; do
+  for number in 1 2; do
+    cp $file.txt $file.old
+    start $file.txt --number "$number"
+    xdotool key Return
+    finish 0
+    expect_same "both tables of $file" "$(cksum < $file.txt)" "$(cksum < $file.old)"
+  done
+done
+start tagged-crlf.txt --number 1
+click 213 188 # Spline, or Linear where it is one already
+click 320 190 # OK
+finish 0
+expect_same "lines with CR LF" "$(grep -c $'\r$' tagged-crlf.txt)" 8
+expect_same "all lines" "$(wc -l < tagged-crlf.txt)" 8
+expect_same "the second table" "$(tail -n 4 tagged-crlf.txt | cksum)" "$(tail -n 4 tagged-crlf.old | cksum)"
+
+# The header line of a table stays as it is, whatever stands before its columns.
+columns=$(sed -n 's/^[^\t]*\t//p;1q' "$tables/demand.txt")
+for header in "$columns" "7	$columns" "(99999999999999999999)	$columns"; do
+  { printf '%s\n' "$header"; tail -n +2 "$tables/demand.txt"; } > header.txt
+  cp header.txt header.old
+  start header.txt
+  xdotool key Return
+  finish 0
+  expect_same "the header" "$(cat header.txt)" "$(cat header.old)"
+done
+
+# A table that cannot be read whole is not edited.
+awk -v c="$columns" 'BEGIN { print "(1)\t" c; print "\t1\tlong\t0\t900\t0\t1\t900\tx\ty"
+  for (l = 0; l < 2; ++l) { printf "%s", l ? "YDATA" : "XDATA"
+    for (i = 1; i <= 900; ++i) printf "\t%d.5", l ? 1 : i; print "" } }' > long.txt
+cp long.txt long.old
+"$program" table edit long.txt > out.txt 2> err.txt
+expect_same "status of a long line" $? 1
+expect_same "what it says" "$(grep -c "'long.txt': a line of table 1 is too long to be read whole" err.txt)" 1
+expect_same "the file" "$(cksum < long.txt)" "$(cksum < long.old)"
+{ sed -n 1p "$tables/demand.txt"; sed -n 2p "$tables/demand.txt" | awk -F'\t' -v OFS='\t' '{ $8 = 99; print }'
+  tail -n 2 "$tables/demand.txt"; } > count.txt
+"$program" table edit count.txt > out.txt 2> err.txt
+expect_same "status of a wrong count" $? 1
+expect_same "what it says" "$(grep -c "table 1 tells 99 points, and" err.txt)" 1
+
+# A spline that cannot be drawn is told with its reason.
+printf '(0)\t%s\n\t0\tmeeting\t0\t8\t0\t1\t3\tx\ty\nXDATA\t0\t1e-7\t1\nYDATA\t0\t0\t0\n' \
+  "$columns" > bad.txt
+timeout 20 "$program" table edit bad.txt > out.txt 2> err.txt
+expect_same "status of a spline that cannot be drawn" $? 1
+expect_same "what it says" "$(grep -c "the table cannot be drawn, and is unchanged: spline only for n >= 3 points" err.txt)" 1
+
+# What another program writes meanwhile stays, and so does the edited table.
+cp old.txt meanwhile.txt
+start meanwhile.txt --number 2
+cp "$tables/step.txt" meanwhile.txt
+xdotool key Return
+finish 1
+expect_same "what the other wrote" "$(cksum < meanwhile.txt)" "$(cksum < "$tables/step.txt")"
+expect_same "the edited file" "$(cksum < meanwhile.txt.edited)" "$(cksum < old.txt)"
+expect_same "what it says" "$(grep -c "has changed while its table was edited" err.txt)" 1
+
 # A spline in compact form is told not to be kept.
 start steps.txt
 click 213 188 # Spline

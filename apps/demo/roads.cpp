@@ -125,7 +125,7 @@ std::string TellRoads(std::string const &data, Output &output) {
   std::printf("\nThree years, forward and back\n");
   PlanYears(network, file);
   // Absolute, as the names of the years' files are made relative to it.
-  std::string const definitions =
+  std::string definitions =
       std::filesystem::absolute(output.Add("network-years.txt")).lexically_normal().string();
   if (!network.SaveTemporalDataDefinition(definitions.c_str(), definitions.c_str()))
     throw Failure("cannot write '" + definitions + "'");

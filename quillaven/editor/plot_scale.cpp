@@ -46,12 +46,12 @@ double PlotScale::DataY(int py) const {
 
 float PlotScale::ShiftX(int pixels) const {
   double const range = static_cast<double>(limits.maxX) - limits.minX;
-  return static_cast<float>(range * pixels / (Width() - 1));
+  return NearestFloat(range * pixels / (Width() - 1));
 }
 
 float PlotScale::ShiftY(int pixels) const {
   double const range = static_cast<double>(limits.maxY) - limits.minY;
-  return static_cast<float>(range * pixels / (Height() - 1));
+  return NearestFloat(range * pixels / (Height() - 1));
 }
 
 GridSteps ChooseScale(float lo, float hi, int least, int most) {

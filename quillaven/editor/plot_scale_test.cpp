@@ -137,6 +137,12 @@ TEST(GridSteps, AreHalvedWhileTooFewAndReachTooFarThen) {
   ExpectSteps(0, 3, 0, 0.5F, 8);
 }
 
+// 0.05 as a float is a little more than a twentieth, and 0.7 counts from 0.6 on, so that the eight
+// lines end at 0.95: none is left for 1. Grids have always been drawn so.
+TEST(GridSteps, MayEndBeforeTheRangeWhereNoFloatHoldsTheStep) {
+  ExpectSteps(0.7F, 1, 0.6F, 0.05F, 8);
+}
+
 TEST(GridSteps, AreDoubledWhileTooManyAndARemainderIsDropped) {
   GridSteps const steps = ChooseScale(0, 100, 2, 4);
   EXPECT_EQ(steps.step, 40);  // 11, 5, 2

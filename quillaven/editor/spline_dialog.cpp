@@ -87,7 +87,7 @@ int CSplineDialog::OnInitDialog() {
   return 1;
 }
 
-// The limits are shown, and never read back: a text has fewer digits than they have.
+// The limits are shown, and never read back: they change through the options alone.
 bool CSplineDialog::DoDataExchange(bool save) {
   ExchangeCheck(save, kTicks, m_nShowTicks);
   ExchangeCheck(save, kGrid, m_nShowGrid);

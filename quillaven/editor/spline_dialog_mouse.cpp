@@ -5,12 +5,17 @@
 
 #include <quillaven/editor/point_dialogs_internal.h>
 #include <quillaven/editor/spline_dialog_internal.h>
+#include <quillaven/foundation/rounding_internal.h>
 
 namespace {
 
 // Held to a range; the upper end counts where a small window has turned the range round.
 int Held(int value, int low, int high) {
   return std::min(std::max(value, low), high);
+}
+
+bool IsFloat(double value) {
+  return std::isfinite(NearestFloat(value));
 }
 
 void OffsetRect(CRect &rectangle, int dx, int dy) {
@@ -50,8 +55,6 @@ void CSplineDialog::OnMouseMove(CPoint point) {
     m_last = point;
     moved = true;
   }
-  // A table out of order, as a file may bring it, can lose a point to another of the same x.
-  if (m_Handles.size() != static_cast<std::size_t>(m_Table.GetSize())) Layout();
   if (moved) InvalidateRect(m_Plot);
 }
 
@@ -76,7 +79,10 @@ bool CSplineDialog::MoveHandle(int index, int dx, int dy) {
 
   double const oldX = m_Table.GetXAt(index);
   double const x = oldX + (mx != 0 ? scale.ShiftX(mx) : 0);
-  double const y = m_Table.GetYAt(index) + scale.ShiftY(-my);
+  double const y = m_Table.GetYAt(index) + (my != 0 ? scale.ShiftY(-my) : 0);
+  // A value that no float holds, as limits far apart or a plot one pixel high give it, could be
+  // written to no file and typed in no edit.
+  if (my != 0 && !IsFloat(y)) return false;
   // Asked so that what is no number breaks a limit too.
   bool const aboveLower = first ? x >= oldX : x > m_Table.GetXAt(index - 1);
   bool const belowUpper = last ? x <= oldX : x < m_Table.GetXAt(index + 1);
@@ -84,6 +90,11 @@ bool CSplineDialog::MoveHandle(int index, int dx, int dy) {
 
   OffsetRect(m_Handles[i], mx, my);
   ReplacePoint(index, x, y);
+  // In a table out of order, as a file may bring it, the point can come to another place, or take
+  // that of another point of the same x.
+  bool const inPlace =
+      m_Handles.size() == static_cast<std::size_t>(m_Table.GetSize()) && m_Table.GetXAt(index) == x;
+  if (!inPlace) Layout();
   return true;
 }
 
@@ -105,8 +116,10 @@ void CSplineDialog::OnLButtonDblClk(CPoint point) {
   if (hit < 0) {
     PlotScale const scale = Scale();
     double const x = scale.DataX(point.x);
-    if (std::isnan(x)) return;  // a plot one pixel wide; such a point would have no place in order
-    m_Table.Add(x, scale.DataY(point.y));
+    double const y = scale.DataY(point.y);
+    // A plot one pixel wide or high has no values for its pixels.
+    if (!std::isfinite(x) || !std::isfinite(y)) return;
+    m_Table.Add(x, y);
   } else if (IsInner(hit)) {
     m_Table.RemoveAt(hit);
   } else {
@@ -130,6 +143,8 @@ void CSplineDialog::OnRButtonDown(CPoint point) {
     dialog.Upper = dialog.X;
   }
   if (dialog.DoModal() != kOk) return;
-  ReplacePoint(hit, dialog.X, dialog.Y);
+  // The dialog's x is rounded to a float, and the first and last point keep theirs as it is.
+  double const x = IsInner(hit) ? dialog.X : m_Table.GetXAt(hit);
+  ReplacePoint(hit, x, dialog.Y);
   ShowChange();
 }

@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <new>
 #include <random>
 #include <sstream>
 #include <string>
@@ -51,6 +52,27 @@ CSpline PointTable() {
   table.MinY(-10);
   table.MaxY(10);
   return table;
+}
+
+// A plot that is 500 pixels wide within its margin, and one pixel high.
+void OpenFlat(CSplineDialog &dialog, CSpline const &table) {
+  dialog.Table(table);
+  dialog.Place(1007, {0, 0, 1, 1});
+  dialog.Place(1005, {0, 0, 1, 1});
+  dialog.Place(1008, {0, 0, 516, 17});
+  dialog.Place(1006, {0, 0, 17, 17});
+  dialog.OnInitDialog();
+}
+
+// Pixels and values are no exact inverses: a handle that was dragged may lie a little beside.
+void ExpectHandlesAtTheirPoints(CSplineDialog const &dialog) {
+  CSpline const &table = dialog.Table();
+  ASSERT_EQ(dialog.Handles().size(), static_cast<std::size_t>(table.GetSize()));
+  for (int i = 0; i < table.GetSize(); ++i) {
+    CPoint const centre = CentreOf(dialog.Handles()[static_cast<std::size_t>(i)]);
+    EXPECT_NEAR(centre.x, dialog.Scale().PixelX(table.GetXAt(i)), 2) << i;
+    EXPECT_NEAR(centre.y, dialog.Scale().PixelY(table.GetYAt(i)), 2) << i;
+  }
 }
 
 TEST(HitTest, TakesTheFirstHandleThatHoldsThePoint) {
@@ -252,7 +274,94 @@ TEST(Dragging, ATableOutOfOrderKeepsItsHandlesInStep) {
     EXPECT_EQ(tool.dialog.Handles().size(),
               static_cast<std::size_t>(tool.dialog.Table().GetSize()));
     EXPECT_EQ(tool.dialog.Selected().size(), tool.dialog.Handles().size());
+    ExpectHandlesAtTheirPoints(tool.dialog);
   }
+}
+
+// Each point of it stands before a smaller one, so that one that is taken out and put in again may
+// come to another place.
+TEST(Dragging, APointThatComesToAnotherPlaceTakesItsHandleAlong) {
+  TemporaryDirectory const directory;
+  std::string const file =
+      directory.Write("t.txt", "-1\t1\t5\nx\t6\t2\t4\t1\t8\ny\t0\t0.5\t-0.5\t0\t0\n");
+  CStdioFile stream;
+  ASSERT_TRUE(stream.Open(file.c_str(), CFile::modeRead | CFile::typeText));
+  CSpline table;
+  table.OnRead2(stream);
+  ASSERT_EQ(table.GetSize(), 5);
+  table.MinX(0);
+  table.MaxX(10);
+  for (int i = 0; i < 5; ++i) {
+    SCOPED_TRACE(i);
+    Tool tool(table);
+    tool.DragFrom(tool.Centre(i), 0, -20);
+    EXPECT_EQ(tool.dialog.Table().GetSize(), 5);
+    ExpectHandlesAtTheirPoints(tool.dialog);
+  }
+}
+
+TEST(Dragging, HoldsAPointWithinTheMarginAtTheSides) {
+  CSpline table = Table({{-5, 0}, {2, 0}, {15, 0}});  // neighbours outside the limits
+  table.MaxX(10);
+  Tool tool(table);
+  CRect const plot = tool.dialog.Plot();
+  CPoint const from = tool.Centre(1);
+  tool.dialog.OnLButtonDown(from);
+  tool.dialog.OnMouseMove({plot.left, from.y});
+  EXPECT_EQ(tool.Centre(1).x, plot.left + 8);
+  tool.dialog.OnLButtonUp(from);
+  tool.dialog.OnLButtonDown(tool.Centre(1));
+  tool.dialog.OnMouseMove({plot.right - 1, from.y});
+  EXPECT_EQ(tool.Centre(1).x, plot.right - 8);
+}
+
+// Where the limits run backwards, the neighbour's column less one lies behind the neighbour's x.
+TEST(Dragging, AnInnerPointWhoseXWouldBreakALimitStaysWhereItIs) {
+  CSpline table = PointTable();
+  table.MinX(10);
+  table.MaxX(0);
+  Tool tool(table);
+  CPoint const from = tool.Centre(1);
+  tool.Repaint();
+  tool.dialog.OnLButtonDown({from.x, from.y});
+  ASSERT_TRUE(tool.Repaint());
+  tool.dialog.OnMouseMove({from.x - 5, from.y - 5});
+  EXPECT_EQ(PointsOf(tool.dialog.Table()), PointsOf(PointTable()));
+  EXPECT_EQ(tool.Centre(1).x, from.x);
+  EXPECT_EQ(tool.Centre(1).y, from.y);
+  EXPECT_FALSE(tool.Repaint());
+}
+
+TEST(Dragging, SidewaysInAPlotOnePixelHighKeepsTheHeight) {
+  CSplineDialog dialog;
+  OpenFlat(dialog, PointTable());
+  CPoint const from = CentreOf(dialog.Handles()[1]);
+  dialog.OnLButtonDown(from);
+  dialog.OnMouseMove({from.x + 10, from.y});
+  EXPECT_GT(dialog.Table().GetXAt(1), 2.0);
+  EXPECT_EQ(dialog.Table().GetYAt(1), 5.0);
+}
+
+TEST(Dragging, ToAHeightThatNoFloatHoldsIsRefused) {
+  CSpline table = Table({{0, 0}, {4, 3e38}, {8, 0}});
+  table.MaxX(8);
+  table.MinY(-3e38F);
+  table.MaxY(3e38F);
+  Tool tool(table);
+  CPoint const from = tool.Centre(1);
+  tool.dialog.OnLButtonDown(from);
+  tool.dialog.OnMouseMove({from.x, tool.dialog.Plot().bottom - 1});
+  EXPECT_EQ(tool.Y(1), 3e38);
+  tool.dialog.OnMouseMove({from.x, from.y + 100});
+  EXPECT_LT(tool.Y(1), 3e38);
+  EXPECT_GT(tool.Y(1), 0.0);
+}
+
+TEST(DoubleClick, InAPlotOnePixelHighAddsNothing) {
+  CSplineDialog dialog;
+  OpenFlat(dialog, PointTable());
+  dialog.OnLButtonDblClk({300, 8});
+  EXPECT_EQ(dialog.Table().GetSize(), 4);
 }
 
 TEST(DoubleClick, OnAnEmptyPlaceAddsAPointAndASecondOneRemovesIt) {
@@ -363,6 +472,27 @@ TEST(RightButton, LeavesTheXOfTheFirstAndLastPoint) {
   }
 }
 
+// A dialog's fields are floats, and the points of a table need not be.
+TEST(RightButton, KeepsAnXOfTheFirstAndLastPointThatNoFloatHolds) {
+  CSpline const table = Table({{0.1, 0.25}, {0.10000000075, 0.5}, {0.9, 0.75}});
+  for (int const i : {0, 2}) {
+    for (char const *y : {"", "0.5"}) {
+      DialogApplication application;
+      Tool tool(table);
+      application.scripts = {[&](CDialog &edit) {
+        if (*y != '\0') edit.Type(5017, y);
+        edit.Press(1);
+      }};
+      Pairs expected = PointsOf(table);
+      if (*y != '\0') expected[static_cast<std::size_t>(i)].second = 0.5;
+      CPoint const centre = tool.Centre(i);
+      tool.dialog.OnRButtonDown({centre.x, centre.y - (i == 0 ? 0 : 1)});
+      ASSERT_EQ(application.opened, 1U);
+      EXPECT_EQ(PointsOf(tool.dialog.Table()), expected) << i << " " << y;
+    }
+  }
+}
+
 TEST(RightButton, CancelledOrBesideTheHandlesChangesNothing) {
   DialogApplication application;
   Tool tool(PointTable());
@@ -452,6 +582,94 @@ TEST(MouseEvents, InAnyOrderKeepTheTableSortedAndEverythingInStep) {
     }
   }
   EXPECT_GT(edited, 500);
+}
+
+// Which handles may lie beside their points: those that a drag has moved since the last layout.
+class DraggedHandles {
+ public:
+  void Follow(CSplineDialog const &dialog) {
+    m_dragged.resize(dialog.Handles().size(), 0);
+    for (std::size_t i = 0; i < m_dragged.size(); ++i)
+      if (dialog.Dragging() && dialog.Selected()[i] != 0) m_dragged[i] = 1;
+    bool beside = false;
+    for (int i = 0; i < dialog.Table().GetSize(); ++i) {
+      if (IsAtItsPoint(dialog, i)) continue;
+      beside = true;
+      EXPECT_EQ(m_dragged[static_cast<std::size_t>(i)], 1) << i;
+    }
+    if (!beside) m_dragged.assign(m_dragged.size(), 0);
+  }
+
+ private:
+  static bool IsAtItsPoint(CSplineDialog const &dialog, int i) {
+    CPoint const centre = CentreOf(dialog.Handles()[static_cast<std::size_t>(i)]);
+    return centre.x == dialog.Scale().PixelX(dialog.Table().GetXAt(i)) &&
+           centre.y == dialog.Scale().PixelY(dialog.Table().GetYAt(i));
+  }
+  std::vector<int> m_dragged;
+};
+
+// Equal, turned round, huge and tiny ones, too.
+std::string AnyLimit(std::mt19937 &random) {
+  std::vector<std::string> const limits = {"0", "8", "-1", "1e-30", "3e38", "-3e38", "7.3", "100"};
+  return limits[random() % limits.size()];
+}
+
+void AnswerAnything(CDialog &dialog, std::mt19937 &random) {
+  if (dialog.Title() == "Options") {
+    for (int id = 5005; id <= 5008; ++id) dialog.Type(id, AnyLimit(random));
+  } else {
+    dialog.Type(5016, std::to_string(static_cast<int>(random() % 12) - 2) + ".1");
+    dialog.Type(5017, std::to_string(random() % 90));
+  }
+  dialog.Press(1);
+  if (dialog.Result() == 0) dialog.Press(2);  // refused
+}
+
+void DoAnythingAtAll(CSplineDialog &dialog, std::mt19937 &random) {
+  switch (random() % 30) {
+    case 0:
+      return dialog.Press(CSplineDialog::kOptions);
+    case 1:
+      return dialog.OnCommand(5011);
+    case 2: {
+      CDrawing drawing;
+      return dialog.OnPaint(drawing);
+    }
+    default:
+      if (!dialog.Handles().empty()) return DoAnything(dialog, random);
+      return dialog.OnLButtonDblClk({static_cast<int>(random() % 600), 100});
+  }
+}
+
+TEST(MouseEvents, OnAnyTableWithAnyLimitsKeepEverythingInStep) {
+  DialogApplication application;
+  std::vector<Pairs> const tables = {
+      {}, {{0.1, 3}}, {{0.1, 0}, {0.9, 1}}, {{0.1, 0}, {0.10000000075, 5}, {1.0 / 3, 2}, {7.7, 1}}};
+  for (unsigned int seed = 1; seed <= 120; ++seed) {
+    SCOPED_TRACE(seed);
+    std::mt19937 random(seed);
+    CSpline table = Table(tables[seed % tables.size()]);
+    table.MaxX(8);
+    Tool tool(table);
+    DraggedHandles dragged;
+    for (int step = 0; step < 300 && !testing::Test::HasFailure(); ++step) {
+      SCOPED_TRACE(step);
+      application.scripts = {[&](CDialog &dialog) { AnswerAnything(dialog, random); }};
+      try {
+        DoAnythingAtAll(tool.dialog, random);
+      } catch (std::string const &text) {
+        EXPECT_EQ(text, "spline only for n >= 3 points");
+      } catch (std::bad_alloc const &) {  // a curve that is too long to be sampled
+      }
+      CSpline const &edited = tool.dialog.Table();
+      ASSERT_EQ(tool.dialog.Handles().size(), static_cast<std::size_t>(edited.GetSize()));
+      ASSERT_EQ(tool.dialog.Selected().size(), tool.dialog.Handles().size());
+      for (int i = 1; i < edited.GetSize(); ++i) ASSERT_LT(edited.GetXAt(i - 1), edited.GetXAt(i));
+      for (auto const &[x, y] : PointsOf(edited)) ASSERT_TRUE(std::isfinite(x) && std::isfinite(y));
+      dragged.Follow(tool.dialog);
+    }
+  }
 }
 
 }  // namespace

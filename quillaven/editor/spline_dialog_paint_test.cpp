@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <limits>
 #include <string>
 #include <vector>
 
@@ -157,6 +158,28 @@ TEST(SplinePaint, DrawsGridLinesAtWholeNumbersUpToThirty) {
   std::vector<int> heights;
   for (int const y : {0, 50, 100}) heights.push_back(dialog.Scale().PixelY(y));
   EXPECT_EQ(lines.ys, heights);
+}
+
+TEST(SplinePaint, DrawsGridLinesBelowAnEndThatIsNoWholeNumber) {
+  CSpline table = DistanceTable();
+  table.MaxX(7.9F);
+  CSplineDialog dialog = Opened(table);
+  dialog.Press(5010);
+  std::vector<int> expected;
+  for (int i = 0; i < 8; ++i) expected.push_back(dialog.Scale().PixelX(i));
+  EXPECT_EQ(LinesOf(DrawnWith(Paint(dialog), 0)).xs, expected);
+}
+
+TEST(SplinePaint, DrawsNoGridLinesForAnEndBelowZeroOrThatIsNoNumber) {
+  for (float const end : {-5.0F, -1.0F, std::numeric_limits<float>::quiet_NaN()}) {
+    CSpline table = DistanceTable();
+    table.MaxX(end);
+    CSplineDialog dialog = Opened(table);
+    dialog.Press(5010);
+    Lines const lines = LinesOf(DrawnWith(Paint(dialog), 0));
+    EXPECT_TRUE(lines.xs.empty()) << end;
+    EXPECT_EQ(lines.ys.size(), 3U) << end;
+  }
 }
 
 TEST(SplinePaint, DrawsGridLinesByAChosenScaleBeyondThirty) {

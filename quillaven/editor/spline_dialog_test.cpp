@@ -292,6 +292,25 @@ TEST(SplineDialog, OptionsSetTheLimitsAndLeaveTheListAndTheTicksBox) {
   EXPECT_TRUE(dialog.Control(5000).shown);
 }
 
+TEST(SplineDialog, OptionsThatEndATableAtEightListDistancesLaterAndKeepTheTicksBoxHidden) {
+  DialogApplication application;
+  CSpline table = DistanceTable();
+  table.MaxX(10);
+  CSplineDialog dialog;
+  dialog.Table(table);
+  OpenInPixels(dialog);
+  application.scripts = {[](CDialog &options) {
+    options.Type(5006, "8");
+    options.Press(1);
+  }};
+  dialog.Press(5004);
+  EXPECT_EQ(dialog.Control(1009).rows.size(), 3U);
+  EXPECT_FALSE(dialog.Control(5000).shown);
+  dialog.OnLButtonUp({0, 0});  // rebuilds the list
+  EXPECT_EQ(dialog.Control(1009).rows.size(), 30U);
+  EXPECT_FALSE(dialog.Control(5000).shown);
+}
+
 TEST(SplineDialog, OptionsThatAreCancelledChangeNothing) {
   DialogApplication application;
   CSplineDialog dialog;
@@ -399,6 +418,32 @@ TEST(Thinning, LeavesTwoPointsWhereAnInnerOneHadAHeight) {
   EXPECT_EQ(PointsOf(dialog.Table()), (Pairs{{0, 0}, {8, 0}}));
 }
 
+TEST(Thinning, AddsNothingToATableOfOnePointOrNone) {
+  RecordingApplication application;
+  for (Pairs const &points : {Pairs{}, Pairs{{3, 0}}}) {
+    CSplineDialog dialog;
+    dialog.Table(Table(points));
+    OpenInPixels(dialog);
+    dialog.OnCommand(5011);
+    EXPECT_EQ(PointsOf(dialog.Table()), points);
+  }
+}
+
+// A hundredth as a float is a little less than one as a double.
+TEST(Thinning, RoundsItsToleranceToAFloat) {
+  RecordingApplication application;
+  double const between = 0.0099999999;
+  ASSERT_LT(0.01F, between);
+  CSpline table = Table({{0, 0}, {4, between}, {8, 0}});
+  table.MinY(0);
+  table.MaxY(1);
+  CSplineDialog dialog;
+  dialog.Table(table);
+  OpenInPixels(dialog);
+  dialog.OnCommand(5011);
+  EXPECT_EQ(dialog.Table().GetSize(), 3);
+}
+
 TEST(Thinning, ToleratesATwistedRange) {
   RecordingApplication application;
   CSpline table = DistanceTable();
@@ -427,13 +472,19 @@ TEST(DoModal, GivesTheTableBackOnOkWithAllItsFields) {
                            tool.Press(1);
                          },
                          [](CDialog &options) {
+                           options.Type(5005, "-1");
+                           options.Type(5006, "9");
                            options.Type(5007, "250");
+                           options.Type(5008, "-20");
                            options.Press(1);
                          }};
   EXPECT_EQ(CSpline::DoModal(table), 1U);
   EXPECT_EQ(table.GetSize(), 4);
   EXPECT_FALSE(table.TableLinear());
+  EXPECT_EQ(table.MinX(), -1.0F);
+  EXPECT_EQ(table.MaxX(), 9.0F);
   EXPECT_EQ(table.MaxY(), 250.0F);
+  EXPECT_EQ(table.MinY(), -20.0F);
   EXPECT_STREQ(table.Name(), "decay");
   EXPECT_STREQ(table.XLabel(), "distance");
   EXPECT_STREQ(table.YLabel(), "weight");
