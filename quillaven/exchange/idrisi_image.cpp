@@ -56,22 +56,29 @@ template <class T>
 Limits LimitsOf(CMultiScaleMatrix<T> const &raster) {
   double const noData = static_cast<double>(raster.NoDataValue());
   bool const hasNoData = raster.HasNoDataValue();
-  Limits limits{noData, noData};
   bool first = true;
-  if (raster.NRows() < 1 || raster.NCols() < 1) return limits;
+  if (raster.NRows() < 1 || raster.NCols() < 1) return {noData, noData};
   int const cols = raster.NCols();
   std::vector<T> row(static_cast<std::size_t>(cols));
+  double minimum = noData;
+  double maximum = noData;
   for (int r = 0; r < raster.NRows(); ++r) {
-    CRasterAccess::ReadRow(raster, r, 0, cols, row.data());
-    for (T const cell : row) {
-      double const value = cell;
-      if (hasNoData && value == noData) continue;
-      if (first || value < limits.minimum) limits.minimum = value;
-      if (first || value > limits.maximum) limits.maximum = value;
+    T const *cell = CRasterAccess::Row(raster, r, 0, cols, row.data());
+    T const *const end = cell + cols;
+    for (; first && cell != end; ++cell) {
+      if (hasNoData && static_cast<double>(*cell) == noData) continue;
+      minimum = maximum = static_cast<double>(*cell);
       first = false;
     }
+    for (; cell != end; ++cell) {
+      double const value = *cell;
+      if (!(value < minimum) && !(value > maximum)) continue;  // as nearly all are
+      if (hasNoData && value == noData) continue;
+      if (value < minimum) minimum = value;
+      if (value > maximum) maximum = value;
+    }
   }
-  return limits;
+  return {minimum, maximum};
 }
 
 template <class Cell, class T>
@@ -83,8 +90,8 @@ bool WriteImage(std::string const &file, CMultiScaleMatrix<T> const &raster) {
   std::vector<T> row(static_cast<std::size_t>(cols));
   std::vector<Cell> cells(row.size());
   for (int r = 0; r < raster.NRows(); ++r) {
-    CRasterAccess::ReadRow(raster, r, 0, cols, row.data());
-    std::transform(row.begin(), row.end(), cells.begin(), ConvertCell<Cell, T>);
+    T const *from = CRasterAccess::Row(raster, r, 0, cols, row.data());
+    std::transform(from, from + cols, cells.begin(), ConvertCell<Cell, T>);
     SwapIfBigEndian(cells);
     stream.write(reinterpret_cast<char const *>(cells.data()),
                  static_cast<std::streamsize>(cells.size() * sizeof(Cell)));
