@@ -7,6 +7,8 @@
 #include <cstdlib>
 #include <filesystem>
 #include <string>
+#include <utility>
+#include <vector>
 #include <wx/app.h>
 #include <wx/checkbox.h>
 #include <wx/debug.h>
@@ -41,7 +43,8 @@ class Desktop : public testing::Test {
 
 std::string ScreenshotFile(std::string const &name) {
   char const *folder = std::getenv("QUILLAVEN_SCREENSHOTS");
-  std::filesystem::path const path = folder != nullptr ? folder : ".";
+  std::filesystem::path const path =
+      folder != nullptr ? folder : std::filesystem::temp_directory_path() / "quillaven-screenshots";
   std::filesystem::create_directories(path);
   return (path / (name + ".png")).string();
 }
@@ -298,6 +301,79 @@ TEST_F(Desktop, ClosingTheWindowCancels) {
   WindowDriver driver;
   driver.scripts = {[](WindowDriver &d) { d.Window().Close(); }};
   EXPECT_EQ(CSpline::DoModal(table), 2U);
+}
+
+// The dialog follows in its next paint; until then the window must not turn the button back.
+TEST_F(Desktop, ARadioButtonStaysPressedUntilTheDialogFollows) {
+  CSpline table = DistanceTable();
+  WindowDriver driver;
+  driver.scripts = {[](WindowDriver &d) {
+    auto &spline = d.As<wxRadioButton>("5014");
+    EXPECT_FALSE(spline.GetValue());
+    spline.SetValue(true);
+    wxCommandEvent event(wxEVT_RADIOBUTTON);
+    event.SetEventObject(&spline);
+    spline.GetEventHandler()->ProcessEvent(event);
+    EXPECT_TRUE(spline.GetValue());
+    d.Settle();
+    EXPECT_TRUE(spline.GetValue());
+    EXPECT_FALSE(d.As<wxRadioButton>("5015").GetValue());
+    d.Click("1");
+  }};
+  EXPECT_EQ(CSpline::DoModal(table), 1U);
+  EXPECT_FALSE(table.TableLinear());
+}
+
+// No button at all, and a line that goes on with another pen.
+class CBareDialog : public CDialog {
+ public:
+  CBareDialog() : CDialog(Form()) {}
+  void OnPaint(CDrawing &drawing) override {
+    drawing.Pen(0x0000FF, 3);
+    drawing.MoveTo(10, 20);
+    drawing.LineTo(100, 20);
+    drawing.Pen(0xFF0000, 3);
+    drawing.LineTo(100, 80);
+  }
+
+ private:
+  static CDialogTemplate Form() {
+    CDialogTemplate form;
+    form.title = "bare";
+    form.width = 120;
+    form.height = 80;
+    return form;
+  }
+};
+
+TEST_F(Desktop, ADialogWithoutButtonsClosesByKeysAndByItsBox) {
+  std::vector<std::pair<WindowDriver::Script, unsigned int>> const ways = {
+      {[](WindowDriver &d) { d.Window().Close(); }, CDialog::kCancel},
+      {[](WindowDriver &d) { d.Key(WXK_ESCAPE); }, CDialog::kCancel},
+      {[](WindowDriver &d) { d.Key(WXK_RETURN); }, CDialog::kOk}};
+  for (auto const &[way, result] : ways) {
+    CBareDialog dialog;
+    WindowDriver driver;
+    driver.scripts = {[&way = way](WindowDriver &d) {
+      d.Window().Raise();
+      d.Panel().SetFocus();
+      d.Settle();
+      way(d);
+    }};
+    EXPECT_EQ(dialog.DoModal(), result);
+  }
+}
+
+TEST_F(Desktop, ALineGoesOnWithAnotherPen) {
+  CBareDialog dialog;
+  WindowDriver driver;
+  driver.scripts = {[](WindowDriver &d) {
+    Screenshot const shot = d.Photograph(ScreenshotFile("pens"));
+    EXPECT_GT(shot.CountOf(0x0000FF), 2 * 80);
+    EXPECT_GT(shot.CountOf(0xFF0000), 2 * 50);
+    d.Window().Close();
+  }};
+  EXPECT_EQ(dialog.DoModal(), CDialog::kCancel);
 }
 
 TEST_F(Desktop, ASplineThatCannotBeBuiltClosesTheWindow) {

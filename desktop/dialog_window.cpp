@@ -72,7 +72,8 @@ class Painter {
         return m_dc.DrawEllipse(place);
       case CDrawOperation::Kind::moveTo:
         FinishLine();
-        return m_line.push_back(point);
+        m_line = {point};
+        return;
       case CDrawOperation::Kind::lineTo:
         return m_line.push_back(point);
       case CDrawOperation::Kind::icon:
@@ -82,10 +83,11 @@ class Painter {
     }
   }
 
-  // Lines that follow one another are one stroke, which the toolkit draws much faster.
+  // Lines that follow one another are one stroke, which the toolkit draws much faster. The next one
+  // begins where this ends, with another pen, too.
   void FinishLine() {
     if (m_line.size() > 1) m_dc.DrawLines(static_cast<int>(m_line.size()), m_line.data());
-    m_line.clear();
+    if (!m_line.empty()) m_line = {m_line.back()};
   }
 
  private:

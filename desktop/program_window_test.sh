@@ -42,6 +42,21 @@ click() {
   sleep 0.2
 }
 
+# raise_first: drags the first point of the demand table 60 pixels up.
+raise_first() {
+  local low
+  low=$(awk -v h="$HEIGHT" 'BEGIN {
+    top = 7 * h / 204; bottom = 179 * h / 204; print int(bottom - 8 - 18.2 / 80 * (bottom - top - 16)) }')
+  xdotool mousemove $((X + 37 * WIDTH / 387 + 8)) $((Y + low))
+  sleep 0.5
+  xdotool mousedown 1
+  for _ in 1 2 3 4 5 6; do
+    xdotool mousemove_relative -- 0 -10
+    sleep 0.05
+  done
+  xdotool mouseup 1
+}
+
 finish() {
   wait "$pid"
   expect_same "status" $? "$1"
@@ -53,16 +68,7 @@ cat "$tables/distance-decay.txt" "$tables/demand.txt" > both.txt
 cp both.txt old.txt
 start both.txt --number 2
 expect_same "the title" "$(xdotool getwindowname "$window")" "housing demand"
-low=$(awk -v h="$HEIGHT" -v w="$WIDTH" 'BEGIN {
-  top = 7 * h / 204; bottom = 179 * h / 204; print int(bottom - 8 - 18.2 / 80 * (bottom - top - 16)) }')
-xdotool mousemove $((X + 37 * WIDTH / 387 + 8)) $((Y + low))
-sleep 0.5
-xdotool mousedown 1
-for i in 1 2 3 4 5 6; do
-  xdotool mousemove_relative -- 0 -10
-  sleep 0.05
-done
-xdotool mouseup 1
+raise_first
 click 320 190 # OK
 finish 0
 expect_same "what it says" "$(cat out.txt)" "both.txt: table 2 written, the old file is both.txt.bak"
@@ -157,6 +163,22 @@ finish 1
 expect_same "what the other wrote" "$(cksum < meanwhile.txt)" "$(cksum < "$tables/step.txt")"
 expect_same "the edited file" "$(cksum < meanwhile.txt.edited)" "$(cksum < old.txt)"
 expect_same "what it says" "$(grep -c "has changed while its table was edited" err.txt)" 1
+
+# A disk without room for the edited file: the message names the old one. The limit is 1024 bytes, which
+# the old file has exactly, and the edited one is longer.
+printf '#!/usr/bin/env bash\ntrap "" XFSZ\nulimit -f 1\nexec "%s" "$@"\n' "$program" > limited
+chmod +x limited
+{ cat "$tables/demand.txt"; printf '%*s' $((1024 - $(wc -c < "$tables/demand.txt"))) ''; } > full.txt
+cp full.txt full.old
+unlimited=$program
+program=./limited
+start full.txt
+raise_first
+click 320 190 # OK
+finish 1
+program=$unlimited
+expect_same "what it says" "$(grep -c "cannot write 'full.txt': File too large, the old file is full.txt.bak" err.txt)" 1
+expect_same "the old file" "$(cksum < full.txt.bak)" "$(cksum < full.old)"
 
 # A spline in compact form is told not to be kept.
 start steps.txt
