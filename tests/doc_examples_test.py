@@ -44,10 +44,6 @@ def run(where, command, **options):
 def build_and_run(where, code):
     with open("example.cpp", "w", encoding="utf-8") as file:
         file.write(code)
-    if "quillaven/desktop/" in code:  # waits for a user, and its component is not built everywhere
-        run(where, [compiler, *flags, "-std=c++20", "-Wall", "-Wextra", "-Werror", "-fsyntax-only",
-                    f"-I{source}", f"-I{source}/desktop/include", "example.cpp"])
-        return
     folder = os.path.dirname(library)
     command = [compiler, *flags, "-std=c++20", "-Wall", "-Wextra", "-Werror", f"-I{source}", "example.cpp"]
     if "<quillaven/desktop/" in code:
@@ -57,23 +53,11 @@ def build_and_run(where, code):
     run(where, ["./example"])
 
 
-# A command that waits for a user gets as far as it can without a display.
-def refuse_without_display(where, line):
-    hidden = {name: value for name, value in os.environ.items() if name not in ("DISPLAY", "WAYLAND_DISPLAY")}
-    done = subprocess.run([program, *line.split()[1:]], stdout=subprocess.PIPE, stderr=subprocess.STDOUT, env=hidden)
-    if done.returncode != 1 or b"there is no display" not in done.stdout:
-        fail(where, f"status {done.returncode} of {line}\n{done.stdout.decode(errors='replace')}")
-
-
 def run_commands(where, text):
     for line in text.splitlines():
         line = line.split("#")[0].strip()
         if line.startswith("quillaven table edit "):
-<<<<<<< HEAD
             run(where, [program, "table", "edit", "--help"])
-=======
-            refuse_without_display(where, line)
->>>>>>> fix7
         elif line.startswith("quillaven "):
             run(where, [program, *line.split()[1:]])
         elif line.startswith(("scripts/", "tests/")):
