@@ -14,14 +14,14 @@ work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 
 cpack --config "$build/CPackConfig.cmake" -B "$work/packages" > "$work/log" || { cat "$work/log"; exit 1; }
-for package in "$work"/packages/*.deb; do dpkg-deb -x "$package" "$work/root"; done
+for package in "$work"/packages/*.deb; do dpkg-deb -x "$package" "$work/clean"; done
 dpkg-deb -f "$work"/packages/libquillaven-dev*.deb Depends | grep -q "libquillaven0 (= "
 ! dpkg-deb -c "$work"/packages/libquillaven0*.deb | grep -E '\.h$|\.cmake$|\.so$' ||
   { echo "the runtime package holds files of development" >&2; exit 1; }
 
-libraries=$(dirname "$(find "$work/root" -name 'libQuillavenLib.so')")
+libraries=$(dirname "$(find "$work/clean" -name 'libQuillavenLib.so')")
 export LD_LIBRARY_PATH=$libraries
-cmake -S "$here/package" -B "$work/build" -DCMAKE_PREFIX_PATH="$work/root/usr" \
+cmake -S "$here/package" -B "$work/build" -DCMAKE_PREFIX_PATH="$work/clean/usr" \
   -DCMAKE_CXX_COMPILER="$compiler" > /dev/null
 cmake --build "$work/build" > /dev/null
 [ "$("$work/build/consumer")" = "1.5 2.5 1.5" ]
@@ -29,6 +29,6 @@ export PKG_CONFIG_PATH=$libraries/pkgconfig
 read -ra options <<< "$(pkg-config --cflags --libs QuillavenLib)"
 "$compiler" -std=c++20 "$here/package/consumer.cpp" "${options[@]}" -o "$work/consumer"
 [ "$("$work/consumer")" = "1.5 2.5 1.5" ]
-"$work/root/usr/bin/quillaven" --version
-"$work/root/usr/bin/quillaven" info "$work/root/usr/share/quillaven/liechtenstein/landuse.asc" | grep -q "rows      992"
+"$work/clean/usr/bin/quillaven" --version
+"$work/clean/usr/bin/quillaven" info "$work/clean/usr/share/quillaven/liechtenstein/landuse.asc" | grep -q "rows      992"
 echo "the packages install, and programs build against them"

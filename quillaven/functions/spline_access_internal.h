@@ -1,7 +1,7 @@
 // The sampled curve of a table, for what looks at it without evaluating.
 //
 //   table.Evaluate(0.5F);
-//   std::size_t samples = CSplineAccess::Curve(table).size() - 1;   // element 0 is a placeholder
+//   std::size_t samples = CSplineAccess::Curve(table).size() - 1;   // element 0 means nothing
 
 #pragma once
 

@@ -39,7 +39,7 @@ class CSmartIOVector {
 using CSmartIOFloatVector = CSmartIOVector<float>;
 using CSmartIOShortVector = CSmartIOVector<std::int16_t>;
 
-/// Replaces `output` by a placeholder, the first point, and samples of the parametric cubic spline
+/// Replaces `output` by an element without meaning, the first point, and samples of the parametric cubic spline
 /// with chord lengths as parameter and relaxed ends, `step` apart along the curve. A segment on
 /// which the curve backs up in x is one straight line. Points closer than about 0.0003 to the one
 /// before them are dropped. The last point is in the output only if its segment is such a line.
