@@ -183,6 +183,59 @@ void BM_VectorTextOfTenTimesThePoints(benchmark::State &state) {
       state, 10 * kPoints, kPoints, [&] { read(many, 10 * kPoints); }, [&] { read(few, kPoints); });
 }
 
+// A star of roads: each leads from the middle to a place of its own and back.
+std::string const &StarText(int points) {
+  static std::map<int, std::string> files;
+  std::string &file = files[points];
+  if (!file.empty()) return file;
+  file = Folder() + "/star" + std::to_string(points) + ".txt";
+  std::FILE *const out = std::fopen(file.c_str(), "w");
+  std::fputs("1\n", out);
+  for (int i = 1; i <= points / 2; ++i)
+    std::fprintf(out, " %17.6f %17.6f\n %17.6f %17.6f\n", 546100.0, 5229300.0, 546100.0 + i,
+                 5229300.0);
+  std::fputs("END\nEND\n", out);
+  std::fclose(out);
+  return file;
+}
+
+// The ratio is ten for operations that are linear in the links of a node: reading a star, and
+// looking in its report for links without a counterpart.
+void BM_StarOfTenTimesTheRays(benchmark::State &state) {
+  auto const readAndReport = [](int points) {
+    CNetwork network;
+    network.ReadAsciiFile(StarText(points).c_str(), 2);
+    benchmark::DoNotOptimize(network.Report((Folder() + "/report.txt").c_str()));
+  };
+  readAndReport(10 * kPoints);  // makes the files
+  Compare(
+      state, 10 * kPoints, kPoints, [&] { readAndReport(10 * kPoints); },
+      [&] { readAndReport(kPoints); });
+}
+
+// Coordinates of 18 digits, as other programs write them. The peer reads the same points in the
+// form of their own files.
+void BM_LongCoordinatesVersusShort(benchmark::State &state) {
+  auto const write = [](char const *format) {
+    std::string const file = Folder() + "/digits.txt" + std::to_string(format[2]);
+    std::FILE *const out = std::fopen(file.c_str(), "w");
+    std::fputs("1\n", out);
+    for (int i = 0; i < kPoints; ++i)
+      std::fprintf(out, format, 546100.123456789012 + i / 977.0, 5229300.987654321010 - i / 1021.0);
+    std::fputs("END\nEND\n", out);
+    std::fclose(out);
+    return file;
+  };
+  std::string const longText = write("%.12f %.12f\n");
+  std::string const shortText = write("%.6f %.6f\n");
+  auto const read = [](std::string const &file) {
+    CNetwork network;
+    benchmark::DoNotOptimize(network.ReadAsciiFile(file.c_str(), 2));
+  };
+  Compare(
+      state, kPoints, kPoints, [&] { read(longText); }, [&] { read(shortText); });
+}
+
 void BM_LoadVersusOneRead(benchmark::State &state) {
   std::string const file = Folder() + "/load.bin";
   Network(10 * kPoints).Write(file.c_str());
@@ -418,9 +471,41 @@ void BM_ReplayOf50Years(benchmark::State &state) {
       state, 50 * 1000, 50 * 250, [&] { replay(many); }, [&] { replay(few); });
 }
 
+// The same where all changes are at one node: links are added, and deleted in the next year.
+void BM_ReplayAtAHub(benchmark::State &state) {
+  constexpr int kChanges = 50000;
+  auto const makeYears = [](int changes) {
+    CNetwork network;
+    Access::Years(network).resize(2);
+    CNetwork::CDelta delta;
+    for (int i = 1; i <= changes; ++i) {
+      delta.end.x = i;
+      delta.add = true;
+      Access::Years(network)[0].deltas.push_back(delta);
+      delta.add = false;
+      Access::Years(network)[1].deltas.push_back(delta);
+    }
+    for (int year : {0, 1}) {
+      Access::Years(network)[static_cast<std::size_t>(year)].year = year;
+      Access::Years(network)[static_cast<std::size_t>(year)].fileName = "<none>";
+    }
+    return network;
+  };
+  CNetwork many = makeYears(4 * kChanges);
+  CNetwork few = makeYears(kChanges);
+  auto const replay = [](CNetwork &network) {
+    network.Clear(false);
+    benchmark::DoNotOptimize(network.LoadTemporalData(1));
+  };
+  Compare(
+      state, 8 * kChanges, 2 * kChanges, [&] { replay(many); }, [&] { replay(few); });
+}
+
 #define QUILLAVEN_COMPARED(name) BENCHMARK(name)->UseManualTime()->Unit(benchmark::kMillisecond)
 QUILLAVEN_COMPARED(BM_VectorTextVersusStreams)->Iterations(5);
 QUILLAVEN_COMPARED(BM_VectorTextOfTenTimesThePoints)->Iterations(3);
+QUILLAVEN_COMPARED(BM_StarOfTenTimesTheRays)->Iterations(3);
+QUILLAVEN_COMPARED(BM_LongCoordinatesVersusShort)->Iterations(5);
 QUILLAVEN_COMPARED(BM_LoadVersusOneRead)->Iterations(11);
 QUILLAVEN_COMPARED(BM_SaveVersusOneWrite)->Iterations(11);
 #ifdef QUILLAVEN_HAS_BOOST_GRAPH
@@ -431,5 +516,6 @@ QUILLAVEN_COMPARED(BM_ClosestNodeVersusByHand)->Iterations(51);
 QUILLAVEN_COMPARED(BM_ClosestLinkVersusByHand)->Iterations(51);
 QUILLAVEN_COMPARED(BM_FindNodeVersusOnePass)->Iterations(51);
 QUILLAVEN_COMPARED(BM_ReplayOf50Years)->Iterations(11);
+QUILLAVEN_COMPARED(BM_ReplayAtAHub)->Iterations(5);
 
 }  // namespace
