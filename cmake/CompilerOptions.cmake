@@ -27,7 +27,8 @@ endif()
 add_compile_options(-fno-semantic-interposition)
 
 if(QUILLAVEN_SANITIZE)
-  add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer -O1)
+  add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer -O1
+                      -g1)
   if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     add_compile_options(-Wno-maybe-uninitialized) # checked code misleads it about std::function
   endif()

@@ -30,6 +30,7 @@
 #include <quillaven/platform/ftp.h>
 #include <quillaven/platform/geometry.h>
 #include <quillaven/platform/modules.h>
+#include <quillaven/platform/stamp_font.h>
 #include <quillaven/platform/strings.h>
 #include <quillaven/platform/system_paths.h>
 #include <quillaven/raster/fine_block_pool.h>

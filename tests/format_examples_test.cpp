@@ -118,7 +118,7 @@ TEST_F(FormatExamples, IdrisiDocumentationIsWrittenBackWithABlankMoreInFrontOfAC
   ASSERT_TRUE(header.WriteFile(directory.Path("again.doc").c_str()));
   std::string expected = Bytes(kExamples + "/landuse.doc");
   for (char const *name : {"water", "land\n"}) expected.insert(expected.rfind(name), " ");
-  EXPECT_EQ(directory.Read("again.doc"), expected);
+  EXPECT_EQ(directory.ReadText("again.doc"), expected);
 }
 
 TEST_F(FormatExamples, GridIsReadAndWrittenBackByteForByte) {
@@ -134,7 +134,7 @@ TEST_F(FormatExamples, GridIsReadAndWrittenBackByteForByte) {
 
   TemporaryDirectory directory;
   ASSERT_NE(map.OnFileExport(directory.Path("again.asc").c_str(), kAsciiGrid), 0);
-  EXPECT_EQ(directory.Read("again.asc"), Bytes(kExamples + "/small.asc"));
+  EXPECT_EQ(directory.ReadText("again.asc"), Bytes(kExamples + "/small.asc"));
 }
 
 TEST_F(FormatExamples, BothLegendVersionsGiveTheSameClasses) {

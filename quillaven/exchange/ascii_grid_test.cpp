@@ -33,7 +33,7 @@ class AsciiGrid : public testing::Test {
   template <class T>
   std::string Export(CMultiScaleMatrix<T> const &raster) {
     EXPECT_TRUE(ExportAsciiGrid(directory.Path("out.asc").c_str(), texts, raster));
-    return directory.Read("out.asc");
+    return directory.ReadText("out.asc");
   }
   // The cells of a raster, row after row.
   template <class T>

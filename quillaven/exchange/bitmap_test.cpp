@@ -1,5 +1,3 @@
-#include <cerrno>
-#include <cstring>
 #include <filesystem>
 #include <limits>
 #include <random>
@@ -10,9 +8,11 @@
 
 #include <quillaven/exchange/bitmap.h>
 #include <quillaven/maps/matrix_base_map.h>
+#include <quillaven/platform/stamp_font.h>
 #include <quillaven/raster/raster_operations.h>
 
 #include "tests/support/recording_application.h"
+#include "tests/support/system_error.h"
 #include "tests/support/temporary_directory.h"
 
 namespace {
@@ -156,14 +156,13 @@ TEST_F(Bitmap, SecondFormIsStampedWithItsNumber) {
 }
 
 TEST_F(Bitmap, BuiltInFontStandsInTheCorner) {
-  SetApplication(nullptr);
+  application.stamp = DrawWithBuiltInFont("1");
   CMultiScaleFloatMatrix raster = Cells(20, 40);
   EXPECT_TRUE(WriteBitmap(directory.Path("a.bmp").c_str(), raster, 0, 0, 20, 40, 1, "1", legend));
   Picture const picture{directory.Read("a.bmp")};
   EXPECT_EQ(picture.Index(0, 0), 6U);
   EXPECT_EQ(picture.Index(3, 1), 7U);  // the tip of the digit
   EXPECT_EQ(picture.Index(7, 0), 2U);  // beside the stamp
-  SetApplication(&application);
 }
 
 TEST_F(Bitmap, FileThatCannotBeCreatedIsToldInABoxAndIsFalse) {
@@ -172,14 +171,14 @@ TEST_F(Bitmap, FileThatCannotBeCreatedIsToldInABoxAndIsFalse) {
       WriteBitmap(directory.Path("no/such/a.bmp").c_str(), raster, 0, 0, 1, 1, 1, "x", legend));
   ASSERT_EQ(application.boxes.size(), 1U);
   EXPECT_EQ(application.boxes[0].title, "Save bitmap");
-  EXPECT_EQ(application.boxes[0].text, std::strerror(ENOENT));
+  EXPECT_EQ(application.boxes[0].text, TextOfSystemError(kMissingDirectoryError));
 }
 
 TEST_F(Bitmap, DiskThatIsFullIsToldInABoxAndIsFalse) {
   if (!std::filesystem::exists("/dev/full")) GTEST_SKIP() << "there is no /dev/full here";
   CMultiScaleFloatMatrix raster = Cells(1, 1);
   EXPECT_FALSE(WriteBitmap("/dev/full", raster, 0, 0, 1, 1, 1, "x", legend));
-  EXPECT_EQ(application.boxes.at(0).text, std::strerror(ENOSPC));
+  EXPECT_EQ(application.boxes.at(0).text, TextOfSystemError(kDiskFullError));
 }
 
 TEST_F(Bitmap, AnythingElseThatIsThrownIsAnUnknownException) {

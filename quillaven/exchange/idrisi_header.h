@@ -19,7 +19,7 @@
 class QUILLAVEN_API CIdrisiImageHeader {
  public:
   /// Width of a line's label; the value stands behind it.
-  static constexpr int DESCRIPTOR_WIDTH = 14;
+  enum : int { DESCRIPTOR_WIDTH = 14 };
 
   /// Reads a documentation file. False if it cannot be opened, which a box tells, or if a line is
   /// missing; fields that were read by then are kept, and categories whose lines are missing stay as

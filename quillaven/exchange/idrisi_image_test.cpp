@@ -85,7 +85,7 @@ TEST_F(IdrisiPair, OfAByteMapIsExactlyTheseBytes) {
   map.Attach("", "", &bytes, nullptr);
   EXPECT_NE(map.OnFileExport(In("a.img").c_str(), kIdrisi), 0);
   EXPECT_EQ(directory.Read("a.img"), "\1\2\3\4");
-  EXPECT_EQ(directory.Read("a.doc"),
+  EXPECT_EQ(directory.ReadText("a.doc"),
             "file title  : \ndata type   : byte\nfile type   : binary\ncolumns     : 2\n"
             "rows        : 2\nref. system : plane\nref. units  : m\nunit dist.  : 1\n"
             "min. X      : 0\nmax. X      : 1\nmin. Y      : 0\nmax. Y      : 1\n"
@@ -208,7 +208,7 @@ TEST_F(IdrisiPair, FlagValueSwitchesTheNoDataValueOnAndOff) {
   shorts = Row<short>({1});
   shorts.SetNoDataValue(true, -2.5F);
   Image("integer", shorts);
-  EXPECT_NE(directory.Read("b.doc").find("flag value  : -2.5\nflag def'n  : NODATA\n"),
+  EXPECT_NE(directory.ReadText("b.doc").find("flag value  : -2.5\nflag def'n  : NODATA\n"),
             std::string::npos);
   for (auto const &[flag, has, value] : {std::tuple{"none", false, 0.0F},
                                          {"-1", true, -1.0F},

@@ -12,6 +12,7 @@
 #include <quillaven/foundation/paths.h>
 
 #include "tests/support/recording_application.h"
+#include "tests/support/system_error.h"
 #include "tests/support/temporary_directory.h"
 
 namespace {
@@ -20,10 +21,16 @@ std::string WorkingDirectory() {
   return std::filesystem::current_path().string();
 }
 
+// How many line breaks the system's own text of an error has.
+std::ptrdiff_t OwnLines(unsigned long error) {
+  std::string const text = TextOfSystemError(error);
+  return std::count(text.begin(), text.end(), '\n');
+}
+
 // The report on a file after the system's error of that number.
-std::string Report(std::string const &file, int error) {
+std::string Report(std::string const &file, unsigned long error) {
   return "File:\n\t" + file + "\nCurrent working directory:\n\t" + WorkingDirectory() +
-         "\nError:\n\t" + std::strerror(error);
+         "\nError:\n\t" + TextOfSystemError(error);
 }
 
 std::string Thrown(void (*action)()) {
@@ -36,8 +43,10 @@ std::string Thrown(void (*action)()) {
 }
 
 TEST(FormatError, GivesTheTextOfTheSystem) {
-  EXPECT_EQ(FormatError("a.txt", ENOENT), std::strerror(ENOENT));
-  EXPECT_EQ(FormatError("a.txt", EACCES), std::strerror(EACCES));
+  for (unsigned long error : {kMissingFileError, kAccessError}) {
+    EXPECT_FALSE(TextOfSystemError(error).empty());
+    EXPECT_EQ(FormatError("a.txt", error), TextOfSystemError(error));
+  }
 }
 
 TEST(FormatError, GivesTheNameWhereTheSystemHasNoText) {
@@ -47,54 +56,55 @@ TEST(FormatError, GivesTheNameWhereTheSystemHasNoText) {
 
 TEST(FileReport, ShownInABoxHasSixLinesAndTheTitleInTheCaption) {
   RecordingApplication application;
-  errno = ENOENT;
+  SetLastSystemError(kMissingFileError);
   FileError("a.txt", "A title");
   ASSERT_EQ(application.boxes.size(), 1U);
   RecordedBox const &box = application.boxes[0];
-  EXPECT_EQ(box.text, Report("a.txt", ENOENT));
-  EXPECT_EQ(std::count(box.text.begin(), box.text.end(), '\n'), 5);
+  EXPECT_EQ(box.text, Report("a.txt", kMissingFileError));
+  EXPECT_EQ(std::count(box.text.begin(), box.text.end(), '\n'), 5 + OwnLines(kMissingFileError));
   EXPECT_EQ(box.title, "A title");
   EXPECT_EQ(box.type, 0U);
 }
 
 TEST(FileReport, ThrownHasSevenLinesAndTheTextAsTheFirst) {
   std::string const text = Thrown([] {
-    errno = EACCES;
+    SetLastSystemError(kAccessError);
     ThrowFileErrorException("b.txt", "A text");
   });
-  EXPECT_EQ(text, "A text\n" + Report("b.txt", EACCES));
-  EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 6);
+  EXPECT_EQ(text, "A text\n" + Report("b.txt", kAccessError));
+  EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 6 + OwnLines(kAccessError));
 }
 
 TEST(FileReport, MissingAndUncreatableFilesHaveTheirTitles) {
   RecordingApplication application;
-  errno = ENOENT;
+  SetLastSystemError(kMissingFileError);
   NoSuchFile("c.txt");
-  errno = EACCES;
+  SetLastSystemError(kAccessError);
   CannotCreateFile("d.txt");
   ASSERT_EQ(application.boxes.size(), 2U);
   EXPECT_EQ(application.boxes[0].title, "Error: Cannot open file");
-  EXPECT_EQ(application.boxes[0].text, Report("c.txt", ENOENT));
+  EXPECT_EQ(application.boxes[0].text, Report("c.txt", kMissingFileError));
   EXPECT_EQ(application.boxes[1].title, "Error: Cannot create file");
-  EXPECT_EQ(application.boxes[1].text, Report("d.txt", EACCES));
+  EXPECT_EQ(application.boxes[1].text, Report("d.txt", kAccessError));
   EXPECT_EQ(Thrown([] {
-              errno = ENOENT;
+              SetLastSystemError(kMissingFileError);
               ThrowNoSuchFileException("e.txt");
             }),
-            "Error: Cannot open file\n" + Report("e.txt", ENOENT));
+            "Error: Cannot open file\n" + Report("e.txt", kMissingFileError));
 }
 
 TEST(FileReport, TellsTheReasonOfAnOpenThatJustFailed) {
   RecordingApplication application;
-  std::ifstream file("/there/is/no/such/file");
+  TemporaryDirectory const directory;
+  std::ifstream file(directory.Path("missing"));
   ASSERT_FALSE(file);
   NoSuchFile("x");
-  EXPECT_EQ(application.boxes.at(0).text, Report("x", ENOENT));
+  EXPECT_EQ(application.boxes.at(0).text, Report("x", kMissingFileError));
 }
 
 TEST(FileReport, ErrorThatWasClearedIsToldAsTheSystemTellsIt) {
   RecordingApplication application;
-  errno = 0;
+  SetLastSystemError(0);
   FileError("f.txt", "t");
   EXPECT_EQ(application.boxes.at(0).text, Report("f.txt", 0));
 }

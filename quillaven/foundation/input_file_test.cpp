@@ -1,11 +1,12 @@
-#include <cerrno>
 #include <string>
-#include <tests/support/temporary_directory.h>
 
 #include <gtest/gtest.h>
 
 #include <quillaven/foundation/input_file_internal.h>
 #include <quillaven/platform/system_errors_internal.h>
+
+#include "tests/support/system_error.h"
+#include "tests/support/temporary_directory.h"
 
 namespace {
 
@@ -26,7 +27,7 @@ TEST(OpenInputFile, FailsForADirectoryAsForAMissingFile) {
 
 TEST(OpenInputFile, LeavesAReasonForTheReportOnADirectory) {
   TemporaryDirectory directory;
-  errno = 0;
+  SetLastSystemError(0);
   EXPECT_FALSE(OpenInputFile(directory.Path()));
   EXPECT_NE(LastSystemError(), 0UL);
 }

@@ -41,10 +41,11 @@ TEST(WriteG, WritesWhatPrintfWritesForNumbersOfEveryKind) {
   }
 }
 
-TEST(WriteG, WritesNegativeZeroAndWhatIsNoNumberAsPrintfDoes) {
+// Not every system's printf shows the sign of what is no number; here it is the same on all.
+TEST(WriteG, WritesNegativeZeroAndWhatIsNoNumberWithTheSign) {
   EXPECT_EQ(Written(-0.0), "-0");
-  EXPECT_EQ(Written(std::nan("")), Printed(std::nan("")));
-  EXPECT_EQ(Written(-std::nan("")), Printed(-std::nan("")));
+  EXPECT_EQ(Written(std::nan("")), "nan");
+  EXPECT_EQ(Written(-std::nan("")), "-nan");
 }
 
 TEST(WriteG, WritesPowersOfTenAndTheirNeighbours) {
@@ -86,6 +87,7 @@ TEST(WriteG, WritesRandomFloatsExactlyAsPrintfDoes) {
   for (int i = 0; i < kPatterns; ++i) {
     auto const value =
         static_cast<double>(std::bit_cast<float>(static_cast<std::uint32_t>(random())));
+    if (std::isnan(value)) continue;
     *WriteG(written, value) = '\0';
     std::snprintf(printed, sizeof printed, "%g", value);
     ASSERT_STREQ(written, printed);

@@ -143,8 +143,8 @@ TEST_F(Directories, SplitPathGivesThePartsOfTheAbsoluteForm) {
   CString name;
   CString extension;
   SplitPath("sub\\x.tar.gz", &drive, &folder, &name, &extension);
-  EXPECT_EQ(drive, "");
-  EXPECT_EQ(folder, In("sub\\"));
+  EXPECT_EQ(drive, In("")[1] == ':' ? In("").Left(2) : "");
+  EXPECT_EQ(drive + folder, In("sub\\"));
   EXPECT_EQ(name, "x.tar");
   EXPECT_EQ(extension, ".gz");
   SplitPath("a.b\\plain", nullptr, nullptr, &name, &extension);
@@ -194,7 +194,11 @@ TEST_F(Directories, MakeDirectoryComesBackToTheWorkingDirectoryWhateverTheResult
 }
 
 TEST_F(Directories, MakeDirectoryIsFalseWhereItCouldNotComeBack) {
-  fs::path const deep = fs::path(directory.Path()) / std::string(200, 'd') / std::string(100, 'e');
+  // A system may have no working directory of 260 characters; 256 are too many to come back.
+  std::size_t const length = In("").size();
+  ASSERT_LT(length, 150U);
+  fs::path const deep =
+      fs::path(directory.Path()) / std::string(100, 'd') / std::string(256 - length - 101, 'e');
   fs::create_directories(deep);
   fs::current_path(deep);
   EXPECT_FALSE(MakeDirectory("a"));

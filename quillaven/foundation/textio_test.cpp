@@ -227,7 +227,7 @@ TEST_F(TextIo, PutLineWritesTheTextAndNoLineEnd) {
     EXPECT_TRUE(PutLine("", out));
     EXPECT_TRUE(PutLine(" two\n", out));
   }
-  EXPECT_EQ(directory.Read("out.txt"), "one two\n");
+  EXPECT_EQ(directory.ReadText("out.txt"), "one two\n");
 }
 
 TEST_F(TextIo, PutLineLeavesAFailureToTheFile) {
@@ -353,7 +353,7 @@ class EscapedLine : public TextIo {
   }
   std::string Unpacked(std::string const &line) {
     EXPECT_TRUE(LineToFile(line.c_str(), directory.Path("out.txt").c_str()));
-    return directory.Read("out.txt");
+    return directory.ReadText("out.txt");
   }
 };
 

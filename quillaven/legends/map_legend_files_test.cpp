@@ -85,7 +85,7 @@ TEST_F(LegendFiles, MissingFileShowsTheBoxOnceAndIsThenThereWithTheDefault) {
   ExpectDefaultProper();
   ASSERT_EQ(application.boxes.size(), 1U);
   EXPECT_EQ(application.boxes[0].title, "Error: Cannot open file");
-  EXPECT_EQ(directory.Read("Legends/New.txt").substr(0, 39),
+  EXPECT_EQ(directory.ReadText("Legends/New.txt").substr(0, 39),
             "Version 2\nNClasses 11\nPalette\n000\t000\t0");
 
   LegendMap again;
@@ -114,7 +114,7 @@ TEST_F(LegendFiles, EmptyFileGivesElevenCategorialClassesAndIsNotWritten) {
   Load("");
   ExpectCategorialDefault();
   EXPECT_TRUE(application.boxes.empty());
-  EXPECT_EQ(directory.Read("Legends/a.txt"), "");
+  EXPECT_EQ(directory.ReadText("Legends/a.txt"), "");
 }
 
 TEST_F(LegendFiles, EmptyLinesAreSkipped) {
@@ -298,7 +298,7 @@ TEST_F(LegendFiles, MissingFileBehindACategorialLegendGivesTheCategorialDefault)
   Load("Version 2\nNClasses 2\nPalette\n1 2 3\n4 5 6\nStateOrderColor 0\nLegendType 0\na\nb\n");
   legend.SetBaseMapLegend(&map, "new.txt");
   ExpectCategorialDefault();
-  EXPECT_NE(directory.Read("Legends/new.txt").find("LegendType 0\n"), std::string::npos);
+  EXPECT_NE(directory.ReadText("Legends/new.txt").find("LegendType 0\n"), std::string::npos);
 }
 
 TEST_F(LegendFiles, TypeOtherThanOneGoesOnWithItsNames) {
@@ -502,7 +502,7 @@ TEST_F(LegendFiles, LoadingReplacesTheItemsWholesale) {
 TEST_F(LegendFiles, WrittenNumericLegendHasItsExactBytes) {
   Load(kIntervals);
   legend.Write(&map, "out.txt");
-  EXPECT_EQ(directory.Read("Legends/out.txt"), kIntervals);
+  EXPECT_EQ(directory.ReadText("Legends/out.txt"), kIntervals);
 }
 
 TEST_F(LegendFiles, WrittenCategorialLegendHasEveryNameOfTheList) {
@@ -511,7 +511,7 @@ TEST_F(LegendFiles, WrittenCategorialLegendHasEveryNameOfTheList) {
   legend.SetBaseMapLegend(&map, 1, 0, names, colors);
   map.m_LegendNames.emplace_back("one name more");
   legend.Write(&map, "out.txt");
-  EXPECT_EQ(directory.Read("Legends/out.txt"),
+  EXPECT_EQ(directory.ReadText("Legends/out.txt"),
             "Version 2\nNClasses 2\nPalette\n001\t002\t003\n000\t010\t255\nStateOrderColor 1\n"
             "LegendType 0\nmeadow\nwood\none name more\n");
 }
@@ -520,7 +520,7 @@ TEST_F(LegendFiles, PaletteFileIsWrittenInPlaceOfTheColours) {
   legend.SetBaseMapLegend(&map, nullptr);
   legend.PaletteFile("Relief.smp");
   legend.Write(&map, "out.txt");
-  EXPECT_EQ(directory.Read("Legends/out.txt"),
+  EXPECT_EQ(directory.ReadText("Legends/out.txt"),
             "Version 2\nNClasses 11\nPalette Relief.smp\nStateOrderColor 0\nLegendType 1\n"
             "Decimals 2\nDisplayMin -0.05\nDisplayMax 1.05\nStateLabel 4\nStateOrder 0\n"
             "StateScale 0\n");
@@ -530,7 +530,7 @@ TEST_F(LegendFiles, EveryTypeButZeroIsWrittenAsNumeric) {
   legend.SetBaseMapLegend(&map, nullptr);
   legend.LegendType(7);
   legend.Write(&map, "out.txt");
-  EXPECT_NE(directory.Read("Legends/out.txt").find("LegendType 7\nDecimals 2\n"),
+  EXPECT_NE(directory.ReadText("Legends/out.txt").find("LegendType 7\nDecimals 2\n"),
             std::string::npos);
 }
 
@@ -546,8 +546,8 @@ TEST_F(LegendFiles, LongNameIsCutToALineAndDoesNoHarm) {
   Colors colors{1, 2};
   legend.SetBaseMapLegend(&map, 0, 0, names, colors);
   legend.Write(&map, "out.txt");
-  EXPECT_NE(directory.Read("Legends/out.txt").find(std::string(511, 'x')), std::string::npos);
-  EXPECT_EQ(directory.Read("Legends/out.txt").find(std::string(512, 'x')), std::string::npos);
+  EXPECT_NE(directory.ReadText("Legends/out.txt").find(std::string(511, 'x')), std::string::npos);
+  EXPECT_EQ(directory.ReadText("Legends/out.txt").find(std::string(512, 'x')), std::string::npos);
 }
 
 TEST_F(LegendFiles, LegendMadeByTheCallerIsAppliedAndLeavesTheOtherFields) {
@@ -576,10 +576,10 @@ TEST_F(LegendFiles, LegendMayBeMadeOfTheMapsOwnLists) {
 TEST_F(LegendFiles, VersionOneWriterHasBothForms) {
   Load(kIntervals);
   CMapLegendAccess::WriteVersion1(legend, map, "one.txt");
-  EXPECT_EQ(directory.Read("Legends/one.txt"), "0\t1\t255\t0\t0\tlow\n1\t2\t0\t255\t0\thigh\n");
+  EXPECT_EQ(directory.ReadText("Legends/one.txt"), "0\t1\t255\t0\t0\tlow\n1\t2\t0\t255\t0\thigh\n");
   legend.StateScale(0);
   CMapLegendAccess::WriteVersion1(legend, map, "two.txt");
-  EXPECT_EQ(directory.Read("Legends/two.txt"), "L\t0\t2\t2\t255\t255\t255\n");
+  EXPECT_EQ(directory.ReadText("Legends/two.txt"), "L\t0\t2\t2\t255\t255\t255\n");
 }
 
 std::string RandomName(std::mt19937 &random) {

@@ -14,7 +14,7 @@ namespace {
 
 std::vector<unsigned long> GreySteps() {
   std::vector<unsigned long> steps(256);
-  for (std::size_t i = 0; i < steps.size(); ++i) steps[i] = i * 0x010101;
+  for (unsigned long level = 0; level < steps.size(); ++level) steps[level] = level * 0x010101;
   return steps;
 }
 

@@ -17,7 +17,7 @@ using Names = std::vector<std::string>;
 // A palette whose entry i is the number i.
 Colors Counting(std::size_t size) {
   Colors palette(size);
-  for (std::size_t i = 0; i < size; ++i) palette[i] = i;
+  for (unsigned long i = 0; i < size; ++i) palette[i] = i;
   return palette;
 }
 

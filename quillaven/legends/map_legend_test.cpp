@@ -30,7 +30,7 @@ CMapLegend Intervals(LegendMap &map, std::vector<float> lo, std::vector<float> h
   CMapLegend legend;
   legend.Update(lo, hi);
   map.ClearLegend();
-  for (std::size_t i = 0; i < lo.size(); ++i) map.AddLegendItem(std::to_string(i), 100 + i);
+  for (unsigned long i = 0; i < lo.size(); ++i) map.AddLegendItem(std::to_string(i), 100 + i);
   return legend;
 }
 

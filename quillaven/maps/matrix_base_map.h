@@ -106,9 +106,9 @@ class CMatrixBaseMap : public CBaseMap {
   void PaintArea(int row, int col, int old, T value);
 };
 
-extern template class QUILLAVEN_API CMatrixBaseMap<float>;
-extern template class QUILLAVEN_API CMatrixBaseMap<short>;
-extern template class QUILLAVEN_API CMatrixBaseMap<unsigned char>;
+QUILLAVEN_API_INSTANCE(CMatrixBaseMap<float>);
+QUILLAVEN_API_INSTANCE(CMatrixBaseMap<short>);
+QUILLAVEN_API_INSTANCE(CMatrixBaseMap<unsigned char>);
 
 class QUILLAVEN_API CFloatMatrixBaseMap : public CMatrixBaseMap<float> {
  public:

@@ -420,7 +420,7 @@ TEST_F(NetworkBinaryFile, WithoutEvenTheReservedRecordsIsAcceptedAndHarmless) {
   EXPECT_EQ(network.FindClosestLink(0, 0, 0), nullptr);
   EXPECT_TRUE(network.Report(directory.Path("report.txt").c_str()));
   EXPECT_TRUE(network.WriteAsciiFile(directory.Path("out.txt").c_str(), 0));
-  EXPECT_EQ(directory.Read("out.txt"), "END\n");
+  EXPECT_EQ(directory.ReadText("out.txt"), "END\n");
 }
 
 TEST_F(NetworkBinaryFile, OfRandomNetworksGivesThemBack) {

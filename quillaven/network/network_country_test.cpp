@@ -90,14 +90,14 @@ TEST_F(CountryNetwork, ReportsTheOneWayRoadsAndNoOthers) {
   EXPECT_EQ(counts["net2.oneway_links"], 81U);
   for (unsigned char type = 0; type < kTypes; ++type)
     EXPECT_EQ(idsOfType[type].size(), counts["net" + std::to_string(type) + ".oneway_links"]);
-  std::string const text = directory.Read("report.txt");
+  std::string const text = directory.ReadText("report.txt");
   EXPECT_NE(text.find("\n" + std::to_string(lines) + " links unidirectional\n"), std::string::npos);
 }
 
 TEST_F(CountryNetwork, IsWrittenBackByteForByte) {
   for (unsigned char type = 0; type < kTypes; ++type) {
     ASSERT_TRUE(network.WriteAsciiFile(directory.Path("out.txt").c_str(), type));
-    EXPECT_EQ(directory.Read("out.txt"), BytesOfFile(FileOfType(type)));
+    EXPECT_EQ(directory.ReadText("out.txt"), BytesOfFile(FileOfType(type)));
   }
 }
 

@@ -203,7 +203,7 @@ class NetworkHistory : public testing::Test {
       std::size_t const link = AnyLink();
       if (link == 0) continue;
       model.Delete(link);
-      DeleteLink(network, link);
+      DeleteLink(network, static_cast<unsigned long>(link));
     }
   }
 
@@ -252,9 +252,9 @@ class NetworkHistory : public testing::Test {
       Year(year).changes.push_back(
           {add, model.places[changed.from], model.places[changed.to], changed.type, changed.id});
       if (add) {
-        network.DeltaAddLink(year, network.GetLink(link));
+        network.DeltaAddLink(year, network.GetLink(static_cast<unsigned long>(link)));
       } else {
-        network.DeltaDeleteLink(year, network.GetLink(link));
+        network.DeltaDeleteLink(year, network.GetLink(static_cast<unsigned long>(link)));
       }
     }
   }
@@ -330,7 +330,7 @@ class NetworkHistory : public testing::Test {
     ASSERT_EQ(network.NodeCount(), model.places.size());
     ASSERT_EQ(network.LinkCount(), model.links.size());
     ASSERT_EQ(Access::Cells(network).size(), model.cells);
-    for (std::size_t i = 1; i < model.places.size(); ++i) {
+    for (unsigned long i = 1; i < model.places.size(); ++i) {
       CNetwork::CNode const *const node = network.GetNode(i);
       ASSERT_EQ(Place(node->x, node->y), model.places[i]);
       ASSERT_EQ(Listed(node->inLinks), model.in[i]);
@@ -338,7 +338,7 @@ class NetworkHistory : public testing::Test {
       ASSERT_EQ(CNetwork::IsUnused(node), model.in[i].empty() && model.out[i].empty());
       ASSERT_EQ(network.FindNode(node->x, node->y), node);
     }
-    for (std::size_t i = 1; i < model.links.size(); ++i) {
+    for (unsigned long i = 1; i < model.links.size(); ++i) {
       CNetwork::CLink const &link = *network.GetLink(i);
       ModelLink const &expected = model.links[i];
       ASSERT_EQ(link.from, expected.from);
@@ -347,7 +347,7 @@ class NetworkHistory : public testing::Test {
       ASSERT_EQ(link.id, expected.id);
       if (expected.from == 0) continue;
       ASSERT_EQ(network.FindLink(link.from, link.to), &link);
-      std::size_t const back = model.FindLink(expected.to, expected.from);
+      auto const back = static_cast<unsigned long>(model.FindLink(expected.to, expected.from));
       ASSERT_EQ(network.FindLink(link.to, link.from), back == 0 ? nullptr : network.GetLink(back));
     }
     ASSERT_EQ(Access::LoadedYearIndex(network), loaded);

@@ -20,7 +20,7 @@ class NetworkReport : public testing::Test {
  protected:
   std::string Report() {
     EXPECT_TRUE(network.Report(directory.Path("report.txt").c_str()));
-    return directory.Read("report.txt");
+    return directory.ReadText("report.txt");
   }
   TemporaryDirectory directory;
   RecordingApplication application;

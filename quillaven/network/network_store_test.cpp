@@ -428,6 +428,10 @@ TEST(Network, KeepsItsListsAsANaiveNetworkDoes) {
   for (unsigned int seed = 1; seed <= 20; ++seed) {
     SCOPED_TRACE(seed);
     std::mt19937 random(seed);
+    // An index of a pool of that size, of which the first means nothing.
+    auto const anyOf = [&](std::size_t size) {
+      return static_cast<unsigned long>(1 + random() % (size - 1));
+    };
     CNetwork network;
     std::vector<NaiveNode> naive(1);
     std::vector<std::pair<unsigned long, unsigned long>> ends(1);
@@ -437,15 +441,15 @@ TEST(Network, KeepsItsListsAsANaiveNetworkDoes) {
         network.CreateNode()->x = step;
         naive.emplace_back();
       } else if (what < 7) {
-        unsigned long const from = 1 + random() % (naive.size() - 1);
-        unsigned long const to = 1 + random() % (naive.size() - 1);
+        unsigned long const from = anyOf(naive.size());
+        unsigned long const to = anyOf(naive.size());
         unsigned long const link = AddLink(network, from, to);
         ASSERT_EQ(link, ends.size());
         ends.emplace_back(from, to);
         naive[from].out.push_front(link);
         naive[to].in.push_front(link);
       } else if (ends.size() > 1) {
-        unsigned long const link = 1 + random() % (ends.size() - 1);
+        unsigned long const link = anyOf(ends.size());
         if (ends[link].first == 0) continue;
         DeleteLink(network, link);
         naive[ends[link].first].out.remove(link);
@@ -460,7 +464,7 @@ TEST(Network, KeepsItsListsAsANaiveNetworkDoes) {
       return result;
     };
     ASSERT_EQ(network.NodeCount(), naive.size());
-    for (std::size_t i = 1; i < naive.size(); ++i) {
+    for (unsigned long i = 1; i < naive.size(); ++i) {
       CNetwork::CNode const *const node = network.GetNode(i);
       ASSERT_EQ(listed(node->inLinks), naive[i].in);
       ASSERT_EQ(listed(node->outLinks), naive[i].out);

@@ -40,7 +40,7 @@ class NetworkVectorText : public testing::Test {
   }
   std::string Written(unsigned char type = 2) {
     EXPECT_TRUE(network.WriteAsciiFile(directory.Path("out.txt").c_str(), type));
-    return directory.Read("out.txt");
+    return directory.ReadText("out.txt");
   }
   // The texts of the boxes, which must all have the one title.
   std::vector<std::string> Told() const {
@@ -526,12 +526,12 @@ TEST_F(NetworkVectorText, IsReadAsANaiveReaderReadsIt) {
       ASSERT_TRUE(Read(text + "END\n", type));
     }
     ASSERT_EQ(network.NodeCount(), places.size());
-    for (std::size_t i = 1; i < places.size(); ++i) {
+    for (unsigned long i = 1; i < places.size(); ++i) {
       EXPECT_EQ(network.GetNode(i)->x, places[i].first);
       EXPECT_EQ(network.GetNode(i)->y, places[i].second);
     }
     ASSERT_EQ(network.LinkCount(), links.size());
-    for (std::size_t i = 1; i < links.size(); ++i) {
+    for (unsigned long i = 1; i < links.size(); ++i) {
       CNetwork::CLink const *const link = network.GetLink(i);
       EXPECT_EQ(link->from, links[i].from);
       EXPECT_EQ(link->to, links[i].to);

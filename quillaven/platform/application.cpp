@@ -1,9 +1,7 @@
 #include <quillaven/platform/application.h>
 #include <quillaven/platform/message_box_internal.h>
-#include <quillaven/platform/stamp_font_internal.h>
 #include <quillaven/platform/system_box_internal.h>
-
-CApplication::~CApplication() = default;
+#include <quillaven/platform/system_stamp_internal.h>
 
 int CApplication::DoMessageBox(char const *text, char const *title, unsigned int type,
                                unsigned int /*helpId*/) {
@@ -17,7 +15,7 @@ std::string CApplication::HelpFilePath() const {
   return {};
 }
 CStampImage CApplication::MakeStamp(char const *text) {
-  return DrawWithBuiltInFont(text);
+  return DrawSystemStamp(text);
 }
 unsigned int CApplication::RunModal(CDialog & /*dialog*/) {
   return 2;
@@ -36,6 +34,10 @@ CApplication &BuiltInApplication() {
 CApplication *g_application = nullptr;  // null: the built-in one
 
 }  // namespace
+
+CApplication::~CApplication() {
+  if (g_application == this) g_application = nullptr;
+}
 
 CApplication *SetApplication(CApplication *application) {
   CApplication *before = &GetApplication();

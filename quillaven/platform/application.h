@@ -6,8 +6,9 @@
 //   };
 //   SetApplication(&myApplication);
 //
-// The object is not owned: put null in force before it is destroyed. Every default works without a
-// screen. All calls come on the caller's thread.
+// The object is not owned. One that is destroyed while it is in force leaves the built-in one there,
+// but a pointer to it that SetApplication has returned is no good any more. Every default works
+// without a screen. All calls come on the caller's thread.
 
 #pragma once
 
@@ -45,7 +46,8 @@ class QUILLAVEN_API CApplication {
   /// Path of the application's help file; its directory holds "Legends" and "Palettes". Default:
   /// empty.
   virtual std::string HelpFilePath() const;
-  /// Draws a text for the corner of a bitmap. Default: the built-in fixed font.
+  /// Draws a text for the corner of a bitmap. Default: the built-in fixed font (the system's default
+  /// font on Windows).
   virtual CStampImage MakeStamp(char const *text);
   /// Runs a dialog to its end and returns 1 for OK, 2 for Cancel. Default: 2, as nobody can press
   /// OK.

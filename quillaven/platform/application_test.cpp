@@ -4,18 +4,36 @@
 
 #include <quillaven/platform/application.h>
 #include <quillaven/platform/message_box_internal.h>
+#include <quillaven/platform/stamp_font.h>
 
 #include "tests/support/recording_application.h"
 
 namespace {
 
 TEST(Application, PuttingOneInForceReturnsTheOneBeforeAndNullBringsBackTheBuiltIn) {
+  CApplication *const before = SetApplication(nullptr);
   CApplication *const builtIn = &GetApplication();
   CApplication mine;
   EXPECT_EQ(SetApplication(&mine), builtIn);
   EXPECT_EQ(&GetApplication(), &mine);
   EXPECT_EQ(SetApplication(nullptr), &mine);
   EXPECT_EQ(&GetApplication(), builtIn);
+  EXPECT_EQ(SetApplication(before), builtIn);
+}
+
+TEST(Application, OneThatIsDestroyedInForceLeavesTheBuiltInOne) {
+  CApplication *const before = SetApplication(nullptr);  // that of the test program
+  CApplication *const builtIn = &GetApplication();
+  {
+    CApplication mine;
+    SetApplication(&mine);
+    CApplication const another(mine);  // its end is none of mine
+  }
+  EXPECT_EQ(&GetApplication(), builtIn);
+  CApplication mine;
+  SetApplication(&mine);
+  { CApplication const another(mine); }
+  EXPECT_EQ(SetApplication(before), &mine);
 }
 
 TEST(Application, DefaultsWorkWithoutAScreen) {
@@ -25,9 +43,6 @@ TEST(Application, DefaultsWorkWithoutAScreen) {
   application.BeginWaitCursor();
   application.EndWaitCursor();
   application.OnMainWindowMessage(32771);
-  testing::internal::CaptureStderr();
-  EXPECT_EQ(application.DoMessageBox("a text", "a title", 0, 0), 1);
-  EXPECT_EQ(testing::internal::GetCapturedStderr(), "a title\na text\n");
 }
 
 TEST(MessageBoxes, EndAtTheApplicationWithTheirTitles) {
@@ -55,7 +70,7 @@ std::string Shown(CStampImage const &image) {
 }
 
 TEST(BuiltInFont, DrawsLettersWithBackgroundAroundThem) {
-  EXPECT_EQ(Shown(CApplication().MakeStamp("1g")),
+  EXPECT_EQ(Shown(DrawWithBuiltInFont("1g")),
             ".............\n"
             "...#.........\n"
             "..##.........\n"
@@ -69,22 +84,24 @@ TEST(BuiltInFont, DrawsLettersWithBackgroundAroundThem) {
 }
 
 TEST(BuiltInFont, EmptyTextHasNoWidth) {
-  CStampImage const image = CApplication().MakeStamp("");
-  EXPECT_EQ(image.width, 0);
-  EXPECT_TRUE(image.letters.empty());
+  for (char const *none : {"", static_cast<char const *>(nullptr)}) {
+    CStampImage const image = DrawWithBuiltInFont(none);
+    EXPECT_EQ(image.width, 0);
+    EXPECT_TRUE(image.letters.empty());
+  }
 }
 
 TEST(BuiltInFont, BytesThatAreNotPrintableShowAsABox) {
-  std::string const box = Shown(CApplication().MakeStamp("\x01"));
-  EXPECT_EQ(Shown(CApplication().MakeStamp("\xC4")), box);
-  EXPECT_EQ(Shown(CApplication().MakeStamp("\x7F")), box);
-  EXPECT_NE(Shown(CApplication().MakeStamp("~")), box);
+  std::string const box = Shown(DrawWithBuiltInFont("\x01"));
+  EXPECT_EQ(Shown(DrawWithBuiltInFont("\xC4")), box);
+  EXPECT_EQ(Shown(DrawWithBuiltInFont("\x7F")), box);
+  EXPECT_NE(Shown(DrawWithBuiltInFont("~")), box);
 }
 
 TEST(BuiltInFont, EveryPrintableCharacterButTheBlankLooksDifferent) {
   std::vector<std::string> seen;
   for (char c = ' '; c <= '~'; ++c) {
-    std::string const shown = Shown(CApplication().MakeStamp(std::string(1, c).c_str()));
+    std::string const shown = Shown(DrawWithBuiltInFont(std::string(1, c).c_str()));
     for (std::string const &other : seen) EXPECT_NE(shown, other) << c;
     seen.push_back(shown);
   }
@@ -92,7 +109,7 @@ TEST(BuiltInFont, EveryPrintableCharacterButTheBlankLooksDifferent) {
 }
 
 TEST(BuiltInFont, VeryLongTextIsCut) {
-  EXPECT_LT(CApplication().MakeStamp(std::string(100000, 'x').c_str()).width, 30000);
+  EXPECT_LT(DrawWithBuiltInFont(std::string(100000, 'x').c_str()).width, 30000);
 }
 
 }  // namespace

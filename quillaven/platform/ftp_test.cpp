@@ -10,6 +10,7 @@
 
 #include "tests/support/ftp_ends.h"
 #include "tests/support/open_handles.h"
+#include "tests/support/system_text.h"
 
 namespace {
 
@@ -141,8 +142,9 @@ TEST_P(FtpContract, DirectoryIsNoFile) {
 }
 
 TEST_P(FtpContract, NameGoesToTheServerAsItIs) {
-  Serve("a b;type=a%20#1?.txt", "odd");
-  EXPECT_EQ(Fetch("/a b;type=a%20#1?.txt", true), "odd");
+  std::string const name = kNamesMayHoldColons ? "a b;type=a%20#1?.txt" : "a b;type=a%20#1.txt";
+  Serve(name, "odd");
+  EXPECT_EQ(Fetch("/" + name, true), "odd");
   EXPECT_FALSE(Gives("/a b"));
 }
 
@@ -303,8 +305,8 @@ TEST(FtpClient, IsAnonymousAndActive) {
   EXPECT_THAT(log, HasSubstr("TYPE I\n"));
   EXPECT_THAT(log, HasSubstr("TYPE A\n"));
   EXPECT_THAT(log, HasSubstr("RETR /a\n"));
-  EXPECT_THAT(log, testing::ContainsRegex("EPRT|PORT"));
-  EXPECT_THAT(log, Not(testing::ContainsRegex("EPSV|PASV")));
+  EXPECT_THAT(log, testing::AnyOf(HasSubstr("EPRT"), HasSubstr("PORT")));
+  EXPECT_THAT(log, Not(testing::AnyOf(HasSubstr("EPSV"), HasSubstr("PASV"))));
   EXPECT_EQ(log.find("USER"), log.rfind("USER")) << "one login serves the whole connection";
 }
 

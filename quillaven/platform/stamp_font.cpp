@@ -1,7 +1,7 @@
 #include <array>
 #include <string_view>
 
-#include <quillaven/platform/stamp_font_internal.h>
+#include <quillaven/platform/stamp_font.h>
 
 namespace {
 
@@ -90,7 +90,8 @@ bool IsLetterPixel(int glyph, int x, int y) {
 }  // namespace
 
 CStampImage DrawWithBuiltInFont(char const *text) {
-  std::string_view const shown = std::string_view(text).substr(0, kLongestText);
+  std::string_view const shown =
+      std::string_view(text == nullptr ? "" : text).substr(0, kLongestText);
   CStampImage image;
   if (shown.empty()) return image;
   image.width = static_cast<int>(shown.size()) * kCellWidth - 1 + 2 * kMargin;

@@ -61,6 +61,6 @@ class CFineBlockPool {
   std::size_t m_nBlockCells = 0;  // W x W
 };
 
-extern template class QUILLAVEN_API CFineBlockPool<float>;
-extern template class QUILLAVEN_API CFineBlockPool<short>;
-extern template class QUILLAVEN_API CFineBlockPool<unsigned char>;
+QUILLAVEN_API_INSTANCE(CFineBlockPool<float>);
+QUILLAVEN_API_INSTANCE(CFineBlockPool<short>);
+QUILLAVEN_API_INSTANCE(CFineBlockPool<unsigned char>);

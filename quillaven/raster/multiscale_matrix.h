@@ -168,9 +168,9 @@ inline T &CMultiScaleMatrix<T>::At(int row, int col) const {
   return m_Pool.Cells(entry - 1)[i * m_Pool.m_nBlockWidth + j];
 }
 
-extern template class QUILLAVEN_API CMultiScaleMatrix<float>;
-extern template class QUILLAVEN_API CMultiScaleMatrix<short>;
-extern template class QUILLAVEN_API CMultiScaleMatrix<unsigned char>;
+QUILLAVEN_API_INSTANCE(CMultiScaleMatrix<float>);
+QUILLAVEN_API_INSTANCE(CMultiScaleMatrix<short>);
+QUILLAVEN_API_INSTANCE(CMultiScaleMatrix<unsigned char>);
 
 using CMultiScaleFloatMatrix = CMultiScaleMatrix<float>;
 using CMultiScaleShortMatrix = CMultiScaleMatrix<short>;

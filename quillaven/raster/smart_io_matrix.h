@@ -75,9 +75,9 @@ class CSmartIOMatrix {
   std::size_t CellCount() const;
 };
 
-extern template class QUILLAVEN_API CSmartIOMatrix<float>;
-extern template class QUILLAVEN_API CSmartIOMatrix<short>;
-extern template class QUILLAVEN_API CSmartIOMatrix<unsigned char>;
+QUILLAVEN_API_INSTANCE(CSmartIOMatrix<float>);
+QUILLAVEN_API_INSTANCE(CSmartIOMatrix<short>);
+QUILLAVEN_API_INSTANCE(CSmartIOMatrix<unsigned char>);
 
 using CSmartIOFloatMatrix = CSmartIOMatrix<float>;
 using CSmartIOShortMatrix = CSmartIOMatrix<short>;

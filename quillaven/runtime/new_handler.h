@@ -25,10 +25,14 @@
 /// handler that throws or ends the process does not return.
 using QuillavenNewHandler = int (*)(unsigned int bytes);
 
-/// A scope guard: puts a handler in force and brings the one before back. Guards nest. The new mode
-/// is 1 meanwhile, which has the handler serve malloc as well on machines whose malloc knows one;
-/// elsewhere the mode is a number that is kept and brought back. A null handler stands for none: a
-/// failed allocation then throws std::bad_alloc. Costs a few stores; allocates nothing.
+/// A scope guard: puts a handler in force and brings the one before back. Guards nest. A null handler
+/// stands for none: a failed allocation then throws std::bad_alloc. Costs a few stores; allocates
+/// nothing.
+///
+/// The new mode is 1 meanwhile, which stands for "malloc too". It is a number that is kept and brought
+/// back: malloc gives null as ever, even on Windows, where the C library could call a handler for it.
+/// Handlers throw, and compilers take malloc for a function that never does: GCC ends the program where
+/// a malloc that it calls directly throws, so code that looks for a null would end with the process.
 class QUILLAVEN_API CNewHandlerInstaller {
  public:
   explicit CNewHandlerInstaller(QuillavenNewHandler handler) noexcept;

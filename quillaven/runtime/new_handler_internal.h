@@ -7,7 +7,7 @@
 #include <quillaven/runtime/new_handler.h>
 
 struct AllocationBehaviour {
-  int mode = 0;                           // 1: the handler serves malloc too, where it can
+  int mode = 0;                           // 1 within a guard; a number alone
   QuillavenNewHandler handler = nullptr;  // null: none of this library's
   std::new_handler standard = nullptr;    // what the standard library calls
 

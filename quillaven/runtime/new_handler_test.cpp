@@ -344,10 +344,11 @@ TEST(CheckMemoryAvailableDeathTest, EndsTheProcessWithoutABoxWhereThereIsNoMemor
 // What a command writes, its boxes first, with its status as the last line.
 std::string WrittenBy(std::string const &command) {
   TemporaryDirectory const directory;
-  std::string const out = "'" + directory.Path("out") + "'";
-  std::string const line = "(" + command + ") > " + out + " 2>&1; echo status $? >> " + out;
-  EXPECT_EQ(std::system(line.c_str()), 0);
-  return directory.Read("out");
+  std::string const line = command + " > \"" + directory.Path("out") + "\" 2>&1";
+  int const status = std::system(line.c_str());
+  // Where a command ends by a signal too, the status proper is the second byte.
+  int const exitStatus = status > 255 ? status / 256 : status;
+  return directory.ReadText("out") + "status " + std::to_string(exitStatus) + "\n";
 }
 
 TEST(LoadOfTheLibrary, InstallsTheVerboseHandlerAndTakesItAwayAtTheEnd) {
@@ -395,6 +396,31 @@ TEST(LoadOfTheLibrary, LetsAProgramAskInAdvance) {
                               "lower memory demanding simulation.\n"),
                     HasSubstr("status 1\n"), Not(HasSubstr("at the start"))));
 }
+
+// The allocator of a build with checking ends the process by itself.
+#if defined(REAL_MEMORY)
+
+// Compilers take malloc for a function that does not throw.
+TEST(NewHandler, DoesNotServeMallocInMode1) {
+  RecordingApplication application;
+  ASSERT_EQ(CurrentAllocationBehaviour().mode, 1);
+  std::size_t volatile const tooMuch = std::numeric_limits<std::ptrdiff_t>::max();
+  void *const block = std::malloc(tooMuch);
+  EXPECT_EQ(block, nullptr);
+  std::free(block);
+  EXPECT_TRUE(application.boxes.empty());
+}
+
+TEST(MemoryOfTheSystem, ThatNoMachineHasIsToldByTheVerboseHandler) {
+  EXPECT_EQ(WrittenBy(REAL_MEMORY " new 1000000000000000"),
+            kOutOfMemoryOnScreen + "bad_alloc\nstatus 0\n");
+}
+
+TEST(MemoryOfTheSystem, ThatNoMachineHasIsNullToTheNothrowFormUnderVC) {
+  EXPECT_EQ(WrittenBy(REAL_MEMORY " quiet 1000000000000000"), "null\nstatus 0\n");
+}
+
+#endif
 
 // The allocator of the system, held to a gigabyte by the system. Builds with checking have another
 // allocator, which ends the process by itself.

@@ -1,4 +1,3 @@
-#include <cerrno>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -14,6 +13,8 @@
 
 #include "tests/support/open_handles.h"
 #include "tests/support/recording_application.h"
+#include "tests/support/system_error.h"
+#include "tests/support/system_text.h"
 #include "tests/support/temporary_directory.h"
 #include "tests/support/working_directory.h"
 
@@ -41,11 +42,12 @@ class ProcessLaunch : public testing::Test {
   }
   std::string Told() const { return directory.Read("out"); }
   // A batch file in a directory with a blank, which leaves its working directory's word in "out".
-  std::string WriteBatchFile(std::string const &firstLine) const {
-    std::string const path = directory.Write(
-        "my batch/run it", firstLine + "echo ran > '" + directory.Path("out") + "'\n");
+  std::string WriteBatchFile(std::string const &firstLine = {}) const {
+    std::filesystem::path path = directory.Write(
+        std::string("my batch/run it") + kBatchExtension,
+        firstLine + kUnechoed + "echo ran> " + Quoted(directory.Path("out")) + kLineEnd);
     std::filesystem::permissions(path, std::filesystem::perms::owner_all);
-    return path;
+    return path.make_preferred().string();
   }
   void ExpectOneBox(std::string const &text) const {
     ASSERT_EQ(application.boxes.size(), 1U);
@@ -102,16 +104,17 @@ TEST_F(ProcessLaunch, ShowsAndThrowsThatAnEmptyCommandIsNoProgram) {
   ExpectOneBox("Cannot execute ");
 }
 
-TEST_F(ProcessLaunch, LeaksNothingInAThousandLaunches) {
+TEST_F(ProcessLaunch, LeaksNothingInManyLaunches) {
   std::string const command = Quoted(LAUNCHED_PROGRAM);
   WinExecAndWait(command.c_str(), 0);
   long const before = OpenHandles();
   ASSERT_GT(before, 0);
-  for (int i = 0; i < 1000; ++i) WinExecAndWait(command.c_str(), 0);
+  for (int i = 0; i < kManyLaunches; ++i) WinExecAndWait(command.c_str(), 0);
   EXPECT_EQ(OpenHandles(), before);
 }
 
 TEST_F(ProcessLaunch, LeaksNothingInAThousandFailedLaunches) {
+  EXPECT_THROW(WinExecAndWait("quillaven-no-such-program", 0), std::string);
   long const before = OpenHandles();
   ASSERT_GT(before, 0);
   for (int i = 0; i < 1000; ++i)
@@ -163,8 +166,9 @@ TEST_F(ProcessLaunch, RunsABatchFileWithAnInterpreterLine) {
 }
 
 TEST_F(ProcessLaunch, RunsABatchFileWithoutAnInterpreterLine) {
-  ExecBatchFile(WriteBatchFile("").c_str());
-  EXPECT_EQ(Told(), "ran\n");
+  ExecBatchFile(WriteBatchFile().c_str());
+  EXPECT_EQ(directory.ReadText("out"), "ran\n");
+  EXPECT_TRUE(application.boxes.empty());
 }
 
 TEST_F(ProcessLaunch, ShowsAndThrowsThatABatchFileIsMissing) {
@@ -174,7 +178,7 @@ TEST_F(ProcessLaunch, ShowsAndThrowsThatABatchFileIsMissing) {
 }
 
 TEST_F(ProcessLaunch, DoesNotLookForABareBatchFileInTheWorkingDirectory) {
-  std::filesystem::path const file = WriteBatchFile("");
+  std::filesystem::path const file = WriteBatchFile();
   WorkingDirectory const inside(file.parent_path());
   EXPECT_EQ(Thrown([] { ExecBatchFile("run it"); }), "Cannot execute \"run it\"");
   EXPECT_FALSE(directory.Has("out"));
@@ -183,7 +187,9 @@ TEST_F(ProcessLaunch, DoesNotLookForABareBatchFileInTheWorkingDirectory) {
 }
 
 TEST_F(ProcessLaunch, ShowsAndThrowsThatAProgramWithABlankIsNotQuoted) {
-  std::string const file = WriteBatchFile("");
+  // Windows would find a file with an extension.
+  std::string const file = std::filesystem::path(WriteBatchFile()).replace_extension().string();
+  if (*kBatchExtension != '\0') std::filesystem::rename(file + kBatchExtension, file);
   EXPECT_EQ(Thrown([&] { WinExecAndWait((file + " x").c_str(), 1); }),
             "Cannot execute " + file + " x");
   EXPECT_FALSE(directory.Has("out"));
@@ -193,11 +199,11 @@ TEST_F(ProcessLaunch, OnTheOlderFamilyGoesThroughTheCommandProcessor) {
   ProgramRunner const older{true, KeepAndAnswer};
   g_asked = {};
   std::string const out = directory.Path("out");
-  RunAndReport(older, ("echo one two > '" + out + "'; exit 3").c_str(), 5);
-  EXPECT_EQ(Told(), "one two\n");
+  RunAndReport(older, ("echo one two> " + Quoted(out)).c_str(), 5);
+  EXPECT_EQ(directory.ReadText("out"), "one two\n");
   EXPECT_NO_THROW(RunAndReport(older, "exit 3", 5));
-  RunBatchFile(older, WriteBatchFile("").c_str());
-  EXPECT_EQ(Told(), "ran\n");
+  RunBatchFile(older, WriteBatchFile().c_str());
+  EXPECT_EQ(directory.ReadText("out"), "ran\n");
   EXPECT_EQ(g_asked.showState, 99);  // the direct run was not asked
   EXPECT_TRUE(application.boxes.empty());
 }
@@ -250,7 +256,8 @@ TEST_F(Registration, ReportsAFileThatIsMissing) {
   EXPECT_EQ(application.boxes[0].title, "QUILLAVEN RegSvr32");
   EXPECT_EQ(application.boxes[0].type, 0U);  // the file report has the plain style
   EXPECT_THAT(application.boxes[0].text, testing::StartsWith("File:\n\t" + file + "\nCurrent"));
-  EXPECT_THAT(application.boxes[0].text, testing::EndsWith(FormatError(file.c_str(), ENOENT)));
+  EXPECT_THAT(application.boxes[0].text,
+              testing::EndsWith(FormatError(file.c_str(), kMissingLibraryError)));
 }
 
 TEST_F(Registration, ReportsAFileThatIsNoLibrary) {
@@ -258,7 +265,8 @@ TEST_F(Registration, ReportsAFileThatIsNoLibrary) {
   std::string const file = directory.Write("text.dll", std::string(5000, 'x'));
   EXPECT_FALSE(CallDllRegisterServer(file.c_str()));
   ASSERT_EQ(application.boxes.size(), 1U);
-  EXPECT_THAT(application.boxes[0].text, testing::EndsWith(FormatError(file.c_str(), ENOEXEC)));
+  EXPECT_THAT(application.boxes[0].text,
+              testing::EndsWith(FormatError(file.c_str(), kNoLibraryError)));
 }
 
 TEST_F(Registration, FindsABareNameInTheWorkingDirectory) {

@@ -1,12 +1,18 @@
+#include <memory>
+#include <utility>
+#include <vector>
+
 #include <quillaven/platform/dde_client_internal.h>
 #include <quillaven/spreadsheet/transport.h>
 
 namespace {
 
-// Each thread has a client of its own: a conversation belongs to the thread that began it.
-DdeClient &Client() {
-  static thread_local DdeClient client;
-  return client;
+// Each thread has clients of its own: a conversation belongs to the thread that began it. While one
+// waits or shows a box the system works off messages, and the application may use the link again from
+// there; so each Start has a client, and the last one that has not been stopped is the one at work.
+std::vector<std::unique_ptr<DdeClient>> &Clients() {
+  static thread_local std::vector<std::unique_ptr<DdeClient>> clients;
+  return clients;
 }
 
 CSpreadsheetTransport &BuiltInTransport() {
@@ -21,23 +27,26 @@ CSpreadsheetTransport *g_transport = nullptr;  // null: the built-in one
 CSpreadsheetTransport::~CSpreadsheetTransport() = default;
 
 bool CSpreadsheetTransport::Start() {
-  return Client().Start();
+  auto client = std::make_unique<DdeClient>();
+  bool const started = client->Start();
+  if (started) Clients().push_back(std::move(client));
+  return started;
 }
 bool CSpreadsheetTransport::Connect(char const *service, char const *topic) {
-  return Client().Connect(service, topic);
+  return !Clients().empty() && Clients().back()->Connect(service, topic);
 }
 bool CSpreadsheetTransport::Execute(void const *data, unsigned long bytes, unsigned int timeoutMs) {
-  return Client().Execute(data, bytes, timeoutMs);
+  return !Clients().empty() && Clients().back()->Execute(data, bytes, timeoutMs);
 }
 bool CSpreadsheetTransport::Poke(char const *item, void const *data, unsigned long bytes,
                                  unsigned int timeoutMs) {
-  return Client().Poke(item, data, bytes, timeoutMs);
+  return !Clients().empty() && Clients().back()->Poke(item, data, bytes, timeoutMs);
 }
 void CSpreadsheetTransport::Disconnect() {
-  Client().Disconnect();
+  if (!Clients().empty()) Clients().back()->Disconnect();
 }
 void CSpreadsheetTransport::Stop() {
-  Client().Stop();
+  if (!Clients().empty()) Clients().pop_back();
 }
 
 CSpreadsheetTransport *SetSpreadsheetTransport(CSpreadsheetTransport *transport) {

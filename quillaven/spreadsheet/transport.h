@@ -9,7 +9,9 @@
 // succeeds. The object in force is not owned: put null in force before it is destroyed.
 //
 // Every operation of the link calls Start, Connect up to ten times, at most one of Execute and Poke,
-// Disconnect where it has done one of those, and Stop. Nothing is kept open between operations.
+// Disconnect where it has done one of those, and Stop. Nothing is kept open between operations. One
+// operation may come within another, from a box or a message that the outer one waits with: its calls,
+// from Start to Stop, all lie between two calls of the outer one.
 
 #pragma once
 

@@ -44,9 +44,6 @@ void *operator new(std::size_t size) {
     handler();
   }
 }
-void *operator new[](std::size_t size) {
-  return ::operator new(size);
-}
 void *operator new(std::size_t size, std::nothrow_t const & /*tag*/) noexcept {
   try {
     return ::operator new(size);
@@ -54,16 +51,26 @@ void *operator new(std::size_t size, std::nothrow_t const & /*tag*/) noexcept {
     return nullptr;
   }
 }
-void operator delete(void *memory) noexcept {
-  std::free(memory);
+// The forms for arrays too: where the C++ runtime is a library of its own, its forms know ours not.
+void *operator new[](std::size_t size) {
+  return ::operator new(size);
 }
-void operator delete(void *memory, std::size_t /*size*/) noexcept {
+void *operator new[](std::size_t size, std::nothrow_t const &tag) noexcept {
+  return ::operator new(size, tag);
+}
+void operator delete(void *memory) noexcept {
   std::free(memory);
 }
 void operator delete[](void *memory) noexcept {
   std::free(memory);
 }
 void operator delete[](void *memory, std::size_t /*size*/) noexcept {
+  std::free(memory);
+}
+void operator delete[](void *memory, std::nothrow_t const & /*tag*/) noexcept {
+  std::free(memory);
+}
+void operator delete(void *memory, std::size_t /*size*/) noexcept {
   std::free(memory);
 }
 void operator delete(void *memory, std::nothrow_t const & /*tag*/) noexcept {

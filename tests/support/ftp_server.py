@@ -1,7 +1,8 @@
 #!/usr/bin/python3
-"""A server for the tests, on a free port of the loopback address, until standard input ends.
+"""A server for the tests, on a free port of the loopback address, until standard input ends, or, if a
+STOP-FILE is named, until that file is there.
 
-    ftp_server.py DIRECTORY PORT-FILE LOG-FILE ANONYMOUS
+    ftp_server.py DIRECTORY PORT-FILE LOG-FILE ANONYMOUS [STOP-FILE]
 
 Serves DIRECTORY to anonymous users if ANONYMOUS is "yes", and to nobody if it is "no"; if it is
 "silent", the server takes connections and never says a word. The port goes to
@@ -17,12 +18,15 @@ import re
 import socket
 import sys
 import threading
+import time
 
 from pyftpdlib.authorizers import DummyAuthorizer
 from pyftpdlib.handlers import DTPHandler, FTPHandler
 from pyftpdlib.servers import FTPServer
 
-directory, port_file, log_file, anonymous = sys.argv[1:]
+directory, port_file, log_file, anonymous = sys.argv[1:5]
+stop_file = sys.argv[5] if len(sys.argv) > 5 else None
+longest_life = 300  # seconds, should nobody ever make the file
 log = open(log_file, "w")
 
 
@@ -80,14 +84,27 @@ def tell_port(port):
     os.rename(port_file + ".new", port_file)
 
 
+def wait_for_end(listener):
+    if stop_file is None:
+        sys.stdin.read()
+    else:
+        begin = time.monotonic()
+        while not os.path.exists(stop_file) and time.monotonic() - begin < longest_life:
+            time.sleep(0.02)
+        listener.close()
+        os.remove(port_file)
+    os._exit(0)
+
+
 if anonymous == "silent":
     silent = socket.create_server(("127.0.0.1", 0))
     tell_port(silent.getsockname()[1])
-    sys.stdin.read()
-    sys.exit()
+    wait_for_end(silent)
 if anonymous == "yes":
     ControlChannel.authorizer.add_anonymous(directory)
 server = FTPServer(("127.0.0.1", 0), ControlChannel)
 tell_port(server.address[1])
-threading.Thread(target=lambda: (sys.stdin.read(), os._exit(0)), daemon=True).start()
+
+
+threading.Thread(target=wait_for_end, args=[server.socket], daemon=True).start()
 server.serve_forever()

@@ -39,12 +39,16 @@ class TemporaryDirectory {
     file << bytes;
     return Path(name);
   }
-  std::string Read(std::string const &name) const {
-    std::ifstream file(m_path / name, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-  }
+  std::string Read(std::string const &name) const { return Content(name, std::ios::binary); }
+  /// A text file, each line with a line feed alone at its end, as the system's text mode gives it.
+  std::string ReadText(std::string const &name) const { return Content(name, std::ios::in); }
   bool Has(std::string const &name) const { return std::filesystem::exists(m_path / name); }
 
  private:
+  std::string Content(std::string const &name, std::ios::openmode mode) const {
+    std::ifstream file(m_path / name, mode);
+    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+  }
+
   std::filesystem::path m_path;
 };

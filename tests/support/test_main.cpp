@@ -8,6 +8,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "tests/support/console_application.h"
+
 int main(int argc, char **argv) {
   if (char const *locale = std::getenv("QUILLAVEN_TEST_LOCALE"); locale != nullptr) {
     if (std::setlocale(LC_ALL, locale) == nullptr) {
@@ -15,6 +17,7 @@ int main(int argc, char **argv) {
       return 2;
     }
   }
+  ShowBoxesOnTheConsole();
   testing::InitGoogleMock(&argc, argv);
   return RUN_ALL_TESTS();
 }

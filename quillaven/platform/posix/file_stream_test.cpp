@@ -1,13 +1,12 @@
 #include <cstdio>
 #include <limits>
 #include <string>
-#include <sys/stat.h>
-#include <thread>
 
 #include <gtest/gtest.h>
 
 #include <quillaven/platform/files.h>
 
+#include "tests/support/pipe.h"
 #include "tests/support/temporary_directory.h"
 
 namespace {
@@ -27,31 +26,10 @@ int CauseOfSeek(CFile &file, long long offset, unsigned int from) {
   return CFileException::none;
 }
 
-// A pipe with a name, which can be read as a file but not gone back in.
-class NamedPipe : public testing::TestWithParam<unsigned int> {
- protected:
-  // Opens a pipe through which this text comes.
-  void Open(std::string const &text) {
-    std::string const path = directory.Path("pipe");
-    ASSERT_EQ(::mkfifo(path.c_str(), 0600), 0);
-    writer = std::thread([path, text] {
-      std::FILE *pipe = std::fopen(path.c_str(), "wb");
-      std::fputs(text.c_str(), pipe);
-      std::fclose(pipe);
-    });
-    ASSERT_TRUE(file.Open(path.c_str(), CFile::modeRead | GetParam()));
-  }
-  void TearDown() override {
-    if (writer.joinable()) writer.join();
-  }
-
-  TemporaryDirectory directory;
-  CStdioFile file;
-  std::thread writer;
-};
-
-TEST_P(NamedPipe, ThrowsOnASeekItCannotDoAndLosesNothing) {
-  Open("one\ntwo\n");
+// On the other side it comes from a copy, which has places.
+TEST(TextFileHere, ThatComesThroughAPipeThrowsOnASeekItCannotDoAndLosesNothing) {
+  Pipe const pipe("one\ntwo\n");
+  CStdioFile file(pipe.Name().c_str(), CFile::modeRead);
   char byte = 0;
   EXPECT_EQ(file.Read(&byte, 1), 1U);
   EXPECT_EQ(CauseOfSeek(file, 0, CFile::end), CFileException::badSeek);
@@ -59,11 +37,6 @@ TEST_P(NamedPipe, ThrowsOnASeekItCannotDoAndLosesNothing) {
   EXPECT_THROW(file.GetLength(), CFileException);
   EXPECT_EQ(ReadAll(file), "ne\ntwo\n");
 }
-
-INSTANTIATE_TEST_SUITE_P(Types, NamedPipe, testing::Values(CFile::typeText, CFile::typeBinary),
-                         [](auto const &type) {
-                           return type.param == CFile::typeText ? "Text" : "Binary";
-                         });
 
 TEST(TextFileHere, PlacesThatAreNoneThrowAndThePositionStays) {
   constexpr long long kMost = std::numeric_limits<long long>::max();
@@ -93,6 +66,30 @@ TEST(TextFileHere, OnADeviceThatFailsThrowsHardIo) {
       EXPECT_EQ(reason.m_cause, CFileException::hardIO);
     }
   }
+}
+
+TEST(FileHere, OnAFullDeviceThrowsDiskFull) {
+  CStdioFile file("/dev/full", CFile::modeWrite | CFile::typeBinary);
+  file.Write("x", 1);  // stays in the buffer
+  try {
+    file.Close();
+    FAIL() << "nothing was thrown";
+  } catch (CFileException const &reason) {
+    EXPECT_EQ(reason.m_cause, CFileException::diskFull);
+  }
+  file.Close();  // closed all the same
+}
+
+TEST(FileHere, ThatCannotBeClosedWholeFailsToOpenAnotherAndTellsWhy) {
+  TemporaryDirectory directory;
+  std::string const other = directory.Write("a", "abc");
+  CStdioFile file("/dev/full", CFile::modeWrite | CFile::typeBinary);
+  file.Write("x", 1);  // stays in the buffer
+  CFileException reason;
+  EXPECT_FALSE(file.Open(other.c_str(), CFile::modeRead, &reason));
+  EXPECT_EQ(reason.m_cause, CFileException::diskFull);
+  EXPECT_EQ(file.m_pStream, nullptr);
+  EXPECT_TRUE(file.Open(other.c_str(), CFile::modeRead));
 }
 
 }  // namespace

@@ -52,6 +52,8 @@ bool DdeClient::Start() {
 bool DdeClient::Connect(char const *service, char const *topic) {
   DdeString const serviceHandle(m_instance, service);
   DdeString const topicHandle(m_instance, topic);
+  // An empty name has no handle, and none would connect to whatever topic there is.
+  if (serviceHandle.Handle() == nullptr || topicHandle.Handle() == nullptr) return false;
   m_conversation = ::DdeConnect(m_instance, serviceHandle.Handle(), topicHandle.Handle(), nullptr);
   return m_conversation != nullptr;
 }

@@ -5,13 +5,24 @@
 
 namespace {
 
-// The start record of this process, with the show state put in force.
+// The start record of this process, with the show state put in force. What of it means handles and
+// data of this process, the shortcut that it was started by or its hot key, is not passed on: the
+// program would take the handles for its own, and the name for a shortcut.
 STARTUPINFOA StartRecord(char *title, unsigned short showState) {
+  constexpr DWORD kOfThisProcess =
+      STARTF_USESTDHANDLES | STARTF_TITLEISLINKNAME | STARTF_TITLEISAPPID | STARTF_USEHOTKEY;
   STARTUPINFOA start{};
   ::GetStartupInfoA(&start);
+  start.dwFlags &= ~kOfThisProcess;
   start.dwFlags |= STARTF_USESHOWWINDOW;
   start.lpTitle = title;
   start.wShowWindow = showState;
+  start.lpReserved = nullptr;
+  start.cbReserved2 = 0;
+  start.lpReserved2 = nullptr;
+  start.hStdInput = nullptr;
+  start.hStdOutput = nullptr;
+  start.hStdError = nullptr;
   return start;
 }
 

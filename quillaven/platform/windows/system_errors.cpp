@@ -1,3 +1,4 @@
+#include <cstddef>
 #include <windows.h>
 
 #include <quillaven/platform/system_errors_internal.h>
@@ -11,7 +12,9 @@ unsigned long LastSystemError() {
 std::optional<std::string> SystemErrorText(unsigned long code, char const *name) {
   constexpr DWORD kAllocateFromSystemWithArray = 0x3100;
   constexpr DWORD kUserDefaultLanguage = 0x400;
-  DWORD_PTR arguments[] = {reinterpret_cast<DWORD_PTR>(name), 0};
+  // Some texts have more inserts than the name; they find nulls, up to the last there can be.
+  constexpr std::size_t kMostInserts = 99;
+  DWORD_PTR arguments[kMostInserts] = {reinterpret_cast<DWORD_PTR>(name)};
   char *buffer = nullptr;
   DWORD const length = ::FormatMessageA(kAllocateFromSystemWithArray, nullptr, code,
                                         kUserDefaultLanguage, reinterpret_cast<char *>(&buffer), 0,

@@ -15,6 +15,7 @@
 #include <quillaven/runtime/new_handler.h>
 
 #include "tests/support/allocation_count.h"
+#include "tests/support/console_application.h"
 
 namespace {
 
@@ -65,6 +66,7 @@ int Ask() {
 
 int main(int argc, char **argv) {
   RefuseAllocationsFrom(0);
+  ShowBoxesOnTheConsole();
   if (argc > 1 && std::strcmp(argv[1], "ask") == 0) return Ask();
   if (argc > 1 && std::strcmp(argv[1], "check") == 0) {
     RefuseAllocationsFrom(1000);

@@ -12,6 +12,8 @@
 
 #include <quillaven/runtime/new_handler.h>
 
+#include "tests/support/console_application.h"
+
 namespace {
 
 char const *Tell(void *memory) {
@@ -33,6 +35,7 @@ char const *Ask(std::string const &way, std::size_t bytes) {
 
 int main(int argc, char **argv) {
   if (argc < 3) return 2;
+  ShowBoxesOnTheConsole();
   try {
     std::puts(Ask(argv[1], std::strtoull(argv[2], nullptr, 10)));
   } catch (std::bad_alloc const &) {
