@@ -12,9 +12,10 @@ skip() {
 [ "$1" != "--without" ] || skip "$2"
 command -v Xvfb > /dev/null || skip "Xvfb is not installed"
 
-# The server finds a free display by itself, so that any number of these can run at a time.
+# The server finds a free display by itself, so that any number of these can run at a time. Without
+# -noreset it would start anew whenever its last client leaves, and refuse others meanwhile.
 work=$(mktemp -d)
-Xvfb -displayfd 3 -screen 0 1280x1024x24 -nolisten tcp 3> "$work/display" > "$work/messages" 2>&1 &
+Xvfb -displayfd 3 -screen 0 1280x1024x24 -nolisten tcp -noreset 3> "$work/display" > "$work/messages" 2>&1 &
 server=$!
 finish() {
   kill "$server" 2> /dev/null

@@ -45,7 +45,7 @@ struct CControl {
 
 /// What a dialog looks like before it opens. Boxes without a font of this name take their own.
 struct CDialogTemplate {
-  int resource = 0;
+  int resource = 0;  // of QuillavenLib.dll on Windows; 0 for the dialogs of a program
   std::string title;
   int width = 0;  // in dialog units
   int height = 0;
@@ -64,9 +64,11 @@ struct CIcon {
 
 class QUILLAVEN_API CDialog {
  public:
-  static constexpr unsigned int kOk = 1;  // results, and the ids of the buttons that end a dialog
-  static constexpr unsigned int kCancel = 2;
-  static constexpr int kDoubleClicked = 2;  // notification of a list box
+  // Enumerators, for which a program needs no symbol of the library.
+  // Results, and the ids of the buttons that end a dialog.
+  enum : unsigned int { kOk = 1, kCancel = 2 };
+  // Notification of a list box.
+  enum : int { kDoubleClicked = 2 };
 
   explicit CDialog(CDialogTemplate form);
   CDialog(CDialog const &) = default;

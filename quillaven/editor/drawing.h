@@ -20,7 +20,8 @@ struct CDrawOperation {
     brush,      // colour inside rectangles and ellipses
     rectangle,  // place
     moveTo,     // left and top of place
-    lineTo,     // from where the last moveTo or lineTo went to left and top of place
+    lineTo,     // from where the last moveTo or lineTo went up to left and top of place, less the
+                // last pixel
     ellipse,    // place
     icon        // the dialog's icon, in place
   };

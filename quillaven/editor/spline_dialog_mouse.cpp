@@ -84,8 +84,8 @@ bool CSplineDialog::MoveHandle(int index, int dx, int dy) {
   // written to no file and typed in no edit.
   if (my != 0 && !IsFloat(y)) return false;
   // Asked so that what is no number breaks a limit too.
-  bool const aboveLower = first ? x >= oldX : x > m_Table.GetXAt(index - 1);
-  bool const belowUpper = last ? x <= oldX : x < m_Table.GetXAt(index + 1);
+  bool const aboveLower = first ? x == oldX : x > m_Table.GetXAt(index - 1);
+  bool const belowUpper = last ? x == oldX : x < m_Table.GetXAt(index + 1);
   if (!aboveLower || !belowUpper) return false;
 
   OffsetRect(m_Handles[i], mx, my);
@@ -131,10 +131,13 @@ void CSplineDialog::OnLButtonDblClk(CPoint point) {
 void CSplineDialog::OnRButtonDown(CPoint point) {
   int const hit = HitTest(point);
   if (hit < 0) return;
+  double const x = m_Table.GetXAt(hit);
+  double const y = m_Table.GetYAt(hit);
+  bool const inner = IsInner(hit);
   CEditPointDlg dialog;
-  dialog.X = static_cast<float>(m_Table.GetXAt(hit));
-  dialog.Y = static_cast<float>(m_Table.GetYAt(hit));
-  if (IsInner(hit)) {
+  dialog.X = static_cast<float>(x);
+  dialog.Y = static_cast<float>(y);
+  if (inner) {
     float const pixel = Scale().ShiftX(1);
     dialog.Lower = static_cast<float>(m_Table.GetXAt(hit - 1) + pixel);
     dialog.Upper = static_cast<float>(m_Table.GetXAt(hit + 1) - pixel);
@@ -143,8 +146,11 @@ void CSplineDialog::OnRButtonDown(CPoint point) {
     dialog.Upper = dialog.X;
   }
   if (dialog.DoModal() != kOk) return;
+  // While the dialog was open, the program that owns the tool may have thinned the points.
+  bool const isThere = hit < m_Table.GetSize() && IsInner(hit) == inner &&
+                       m_Table.GetXAt(hit) == x && m_Table.GetYAt(hit) == y;
+  if (!isThere) return;
   // The dialog's x is rounded to a float, and the first and last point keep theirs as it is.
-  double const x = IsInner(hit) ? dialog.X : m_Table.GetXAt(hit);
-  ReplacePoint(hit, x, dialog.Y);
+  ReplacePoint(hit, inner ? dialog.X : x, dialog.Y);
   ShowChange();
 }

@@ -452,6 +452,24 @@ TEST(RightButton, EditsAnInnerPointBetweenItsNeighboursLessAPixel) {
   EXPECT_TRUE(tool.Repaint());
 }
 
+// The program that owns the tool may send it commands while the other dialog is open.
+TEST(RightButton, LeavesATableAloneThatWasThinnedMeanwhile) {
+  CSpline table;
+  for (int x = 0; x <= 8; ++x) table.Add(x, 0);
+  DialogApplication application;
+  Tool tool(table);
+  application.scripts = {[&tool](CDialog &edit) {
+    tool.dialog.OnCommand(5011);
+    edit.Type(5016, "5.5");
+    edit.Type(5017, "0.5");
+    edit.Press(1);
+  }};
+  tool.dialog.OnRButtonDown(tool.Centre(5));
+  EXPECT_EQ(application.opened, 1U);
+  ASSERT_LT(tool.dialog.Table().GetSize(), 9);
+  for (auto const &[x, y] : PointsOf(tool.dialog.Table())) EXPECT_EQ(y, 0);
+}
+
 TEST(RightButton, LeavesTheXOfTheFirstAndLastPoint) {
   for (int const i : {0, 3}) {
     DialogApplication application;
@@ -524,30 +542,44 @@ TEST(RightButton, NeighboursWithinTwoPixelsForbidNothing) {
             (Pairs{{0, 0}, {2, 5}, {2.02, 0}, {6, -5}, {7, 0}, {10, 0}}));
 }
 
-// What a user may do with a mouse and the keyboard, in any order and at any place.
-void DoAnything(CSplineDialog &dialog, std::mt19937 &random) {
+constexpr int kFar = std::numeric_limits<std::int32_t>::max();
+
+// What a user may do with a mouse and the keyboard, in any order and at any place. True if it may
+// put a point before the first or behind the last.
+bool DoAnything(CSplineDialog &dialog, std::mt19937 &random) {
   auto const below = [&](int n) { return static_cast<int>(random() % static_cast<unsigned>(n)); };
-  CPoint point{below(800) - 10, below(420) - 10};
+  auto const anywhere = [&] {
+    CPoint const near{below(800) - 10, below(420) - 10};
+    std::vector<CPoint> const corners{{kFar, -kFar}, {-kFar, kFar}, {kFar, kFar}, {-kFar, -kFar}};
+    return below(50) != 0 ? near : corners[static_cast<std::size_t>(below(4))];
+  };
+  CPoint point = anywhere();
   std::size_t const n = dialog.Handles().size();
   if (below(3) != 0) point = CentreOf(dialog.Handles()[static_cast<std::size_t>(below(400)) % n]);
-  if (below(50) == 0) point = {std::numeric_limits<std::int32_t>::max(), -2147483647};
   switch (below(9)) {
     case 0:
-      return dialog.OnLButtonDown(point);
+      dialog.OnLButtonDown(point);
+      return false;
     case 1:
     case 2:
     case 3:
-      return dialog.OnMouseMove({below(800) - 10, below(420) - 10});
+      dialog.OnMouseMove(anywhere());
+      return false;
     case 4:
-      return dialog.OnLButtonUp(point);
+      dialog.OnLButtonUp(point);
+      return false;
     case 5:
-      return dialog.OnLButtonDblClk(point);
+      dialog.OnLButtonDblClk(point);
+      return true;
     case 6:
-      return dialog.OnRButtonDown(point);
+      dialog.OnRButtonDown(point);
+      return true;
     case 7:
-      return dialog.Press(below(2) == 0 ? CSplineDialog::kSpline : CSplineDialog::kLinear);
+      dialog.Press(below(2) == 0 ? CSplineDialog::kSpline : CSplineDialog::kLinear);
+      return false;
     default:
-      return dialog.Press(below(2) == 0 ? CSplineDialog::kTicks : CSplineDialog::kGrid);
+      dialog.Press(below(2) == 0 ? CSplineDialog::kTicks : CSplineDialog::kGrid);
+      return false;
   }
 }
 
@@ -626,20 +658,34 @@ void AnswerAnything(CDialog &dialog, std::mt19937 &random) {
   if (dialog.Result() == 0) dialog.Press(2);  // refused
 }
 
-void DoAnythingAtAll(CSplineDialog &dialog, std::mt19937 &random) {
+bool DoAnythingAtAll(CSplineDialog &dialog, std::mt19937 &random) {
+  CDrawing drawing;
   switch (random() % 30) {
     case 0:
-      return dialog.Press(CSplineDialog::kOptions);
+      dialog.Press(CSplineDialog::kOptions);
+      return false;
     case 1:
-      return dialog.OnCommand(5011);
-    case 2: {
-      CDrawing drawing;
-      return dialog.OnPaint(drawing);
-    }
+      dialog.OnCommand(5011);
+      return true;
+    case 2:
+      dialog.OnPaint(drawing);
+      return false;
     default:
       if (!dialog.Handles().empty()) return DoAnything(dialog, random);
-      return dialog.OnLButtonDblClk({static_cast<int>(random() % 600), 100});
+      dialog.OnLButtonDblClk({static_cast<int>(random() % 600), 100});
+      return true;
   }
+}
+
+// The first and last point keep their x; others may at most come before or behind them.
+void ExpectTheEndsAreKept(Pairs const &before, Pairs const &after, bool mayAdd) {
+  if (before.empty()) return;
+  ASSERT_FALSE(after.empty());
+  EXPECT_LE(after.front().first, before.front().first);
+  EXPECT_GE(after.back().first, before.back().first);
+  if (mayAdd) return;
+  EXPECT_EQ(after.front().first, before.front().first);
+  EXPECT_EQ(after.back().first, before.back().first);
 }
 
 TEST(MouseEvents, OnAnyTableWithAnyLimitsKeepEverythingInStep) {
@@ -656,13 +702,16 @@ TEST(MouseEvents, OnAnyTableWithAnyLimitsKeepEverythingInStep) {
     for (int step = 0; step < 300 && !testing::Test::HasFailure(); ++step) {
       SCOPED_TRACE(step);
       application.scripts = {[&](CDialog &dialog) { AnswerAnything(dialog, random); }};
+      Pairs const before = PointsOf(tool.dialog.Table());
+      bool mayAdd = true;  // what throws may have added one first
       try {
-        DoAnythingAtAll(tool.dialog, random);
+        mayAdd = DoAnythingAtAll(tool.dialog, random);
       } catch (std::string const &text) {
         EXPECT_EQ(text, "spline only for n >= 3 points");
       } catch (std::bad_alloc const &) {  // a curve that is too long to be sampled
       }
       CSpline const &edited = tool.dialog.Table();
+      ExpectTheEndsAreKept(before, PointsOf(edited), mayAdd);
       ASSERT_EQ(tool.dialog.Handles().size(), static_cast<std::size_t>(edited.GetSize()));
       ASSERT_EQ(tool.dialog.Selected().size(), tool.dialog.Handles().size());
       for (int i = 1; i < edited.GetSize(); ++i) ASSERT_LT(edited.GetXAt(i - 1), edited.GetXAt(i));

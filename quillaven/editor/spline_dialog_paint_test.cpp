@@ -1,4 +1,6 @@
 #include <algorithm>
+#include <cstddef>
+#include <functional>
 #include <limits>
 #include <string>
 #include <vector>
@@ -142,6 +144,67 @@ TEST(SplinePaint, DrawsALineIntoTheMarginButNotOntoTheEdge) {
     table.MaxX(static_cast<float>(500 + shift));
     CSplineDialog dialog = Opened(table);
     EXPECT_EQ(LinesOf(DrawnWith(Paint(dialog), 0x0000FF)).xs.size(), shift < 8 ? 1U : 0U);
+  }
+}
+
+// Limits that bring a value to so many pixels from the margin: a half more, which is cut off.
+float LimitFor(double value, int pixels) {
+  return static_cast<float>(value - pixels - (pixels < 0 ? -0.5 : 0.5));
+}
+
+// The ticks are offered to a table that opens with an end of 8, and stay with other limits.
+CSplineDialog WithTicksAndGrid(CSpline const &table) {
+  CSplineDialog dialog = Opened(DistanceTable());
+  dialog.Press(5000);
+  dialog.Press(5010);
+  dialog.Table(table);
+  return dialog;
+}
+
+TEST(SplinePaint, DrawsUprightLinesBetweenTheEdgesAndNotOnThem) {
+  struct Row {
+    int x;
+    bool drawn;
+  };
+  for (Row const row :
+       {Row{kLeft, false}, Row{kLeft + 1, true}, Row{kRight - 1, true}, Row{kRight, false}}) {
+    SCOPED_TRACE(row.x);
+    auto const isDrawn = [&](double value, unsigned long colour) {
+      CSpline table = Table({{0, 0}, {8, 0}});
+      table.MinX(LimitFor(value, row.x - (kLeft + 8)));
+      table.MaxX(table.MinX() + 500);
+      CSplineDialog dialog = WithTicksAndGrid(table);
+      EXPECT_EQ(dialog.Scale().PixelX(value), row.x);
+      std::vector<int> const xs = LinesOf(DrawnWith(Paint(dialog), colour)).xs;
+      EXPECT_TRUE(std::all_of(xs.begin(), xs.end(), [](int x) { return kLeft < x && x < kRight; }));
+      return std::count(xs.begin(), xs.end(), row.x) != 0;
+    };
+    EXPECT_EQ(isDrawn(0, 0x0000FF), row.drawn) << "axis";
+    EXPECT_EQ(isDrawn(row.x < 300 ? 0 : 600, 0), row.drawn) << "grid in steps of 100";
+    EXPECT_EQ(isDrawn(row.x < 300 ? 0 : 8, 0x7F7F7F), row.drawn) << "first and last tick";
+  }
+}
+
+TEST(SplinePaint, DrawsLevelLinesBetweenTheEdgesAndNotOnThem) {
+  struct Row {
+    int y;
+    bool drawn;
+  };
+  for (Row const row :
+       {Row{kTop, false}, Row{kTop + 1, true}, Row{kBottom - 1, true}, Row{kBottom, false}}) {
+    SCOPED_TRACE(row.y);
+    auto const isDrawn = [&](double value, unsigned long colour) {
+      CSpline table = DistanceTable();
+      table.MinY(LimitFor(value, kBottom - 8 - row.y));
+      table.MaxY(table.MinY() + 328);
+      CSplineDialog dialog = WithTicksAndGrid(table);
+      EXPECT_EQ(dialog.Scale().PixelY(value), row.y);
+      std::vector<int> const ys = LinesOf(DrawnWith(Paint(dialog), colour)).ys;
+      EXPECT_TRUE(std::all_of(ys.begin(), ys.end(), [](int y) { return kTop < y && y < kBottom; }));
+      return std::count(ys.begin(), ys.end(), row.y) != 0;
+    };
+    EXPECT_EQ(isDrawn(0, 0x0000FF), row.drawn) << "axis";
+    EXPECT_EQ(isDrawn(row.y > 200 ? 0 : 400, 0), row.drawn) << "grid in steps of 100";
   }
 }
 
@@ -313,9 +376,34 @@ TEST(SplinePaint, BuildsTheCurveOfASplineOnceForEachChange) {
   table.TableLinear(false);
   table.MaxX(9);  // so that the list is no reason to build it
   CSplineDialog dialog = Opened(table);
-  EXPECT_FALSE(CSplineAccess::CurveValid(dialog.Table()));
-  Paint(dialog);
-  EXPECT_TRUE(CSplineAccess::CurveValid(dialog.Table()));
+  CSpline const &edited = dialog.Table();
+  std::vector<std::function<void()>> const changes{
+      [] {},  // the table as it came
+      [&] {
+        CPoint const from = CentreOf(dialog.Handles()[1]);
+        dialog.OnLButtonDown(from);
+        dialog.OnMouseMove({from.x + 20, from.y + 30});
+        dialog.OnLButtonUp({from.x + 20, from.y + 30});
+      },
+      [&] {
+        dialog.OnLButtonDblClk({300, 100});
+      },                                                              // one point more
+      [&] { dialog.OnLButtonDblClk(CentreOf(dialog.Handles()[2])); }  // and less
+  };
+  for (std::size_t i = 0; i < changes.size(); ++i) {
+    SCOPED_TRACE(i);
+    Pairs const before = PointsOf(edited);
+    changes[i]();
+    EXPECT_EQ(PointsOf(edited) != before, i > 0);
+    EXPECT_FALSE(CSplineAccess::CurveValid(edited));
+    Operations const first = Paint(dialog);
+    EXPECT_TRUE(CSplineAccess::CurveValid(edited));
+    // A curve that is sampled anew loses a mark on its element 0, which means nothing.
+    auto &mark = const_cast<CSplinePoint &>(CSplineAccess::Curve(edited).front());
+    mark.y = 4711;
+    EXPECT_EQ(Paint(dialog), first);
+    EXPECT_EQ(CSplineAccess::Curve(edited).front().y, 4711) << "the second paint samples nothing";
+  }
 }
 
 TEST(SplinePaint, ThrowsWhatTheCurveThrows) {

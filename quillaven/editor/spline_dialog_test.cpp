@@ -173,6 +173,15 @@ TEST(SplineDialog, RowsAreRoundedToFloatsFirst) {
   EXPECT_EQ(dialog.Control(1009).rows[0], "0.123457  0.123457");
 }
 
+void ExpectThePlotIsToBePainted(CSplineDialog &dialog) {
+  CRect rectangle;
+  ASSERT_TRUE(dialog.TakeInvalidRect(rectangle));
+  EXPECT_EQ(rectangle.left, dialog.Plot().left);
+  EXPECT_EQ(rectangle.top, dialog.Plot().top);
+  EXPECT_EQ(rectangle.right, dialog.Plot().right);
+  EXPECT_EQ(rectangle.bottom, dialog.Plot().bottom);
+}
+
 TEST(SplineDialog, CommandsOfTheTwoBoxesPaintAnew) {
   for (int const id : {5000, 5010}) {
     CSplineDialog dialog;
@@ -181,9 +190,8 @@ TEST(SplineDialog, CommandsOfTheTwoBoxesPaintAnew) {
     CRect rectangle;
     dialog.TakeInvalidRect(rectangle);
     dialog.Press(id);
-    ASSERT_TRUE(dialog.TakeInvalidRect(rectangle)) << id;
-    EXPECT_EQ(rectangle.left, dialog.Plot().left);
-    EXPECT_EQ(rectangle.bottom, dialog.Plot().bottom);
+    SCOPED_TRACE(id);
+    ExpectThePlotIsToBePainted(dialog);
     EXPECT_EQ(dialog.ShowTicks() + dialog.ShowGrid(), 0) << "the paint reads the boxes";
     CDrawing drawing;
     dialog.OnPaint(drawing);
@@ -211,12 +219,17 @@ TEST(SplineDialog, TheRadioButtonsSwitchTheTableAndClearTheSelection) {
   dialog.OnLButtonDown(CentreOf(dialog.Handles()[1]));
   dialog.OnLButtonUp({0, 0});
   EXPECT_THAT(dialog.Selected(), testing::ElementsAre(0, 1, 0));
+  CRect rectangle;
+  dialog.TakeInvalidRect(rectangle);
   dialog.Press(5014);
+  ExpectThePlotIsToBePainted(dialog);
   EXPECT_FALSE(dialog.Linear());
   EXPECT_FALSE(dialog.Table().TableLinear());
   EXPECT_NE(dialog.Control(1009).rows, linear);
   EXPECT_THAT(dialog.Selected(), testing::ElementsAre(0, 0, 0));
+  EXPECT_FALSE(dialog.TakeInvalidRect(rectangle));
   dialog.Press(5015);
+  ExpectThePlotIsToBePainted(dialog);
   EXPECT_TRUE(dialog.Linear());
   EXPECT_TRUE(dialog.Table().TableLinear());
   EXPECT_EQ(dialog.Control(1009).rows, linear);
@@ -525,6 +538,48 @@ TEST(DoModal, ASplineThatCannotBeBuiltClosesTheDialogAsCancelled) {
   EXPECT_EQ(thrown, "spline only for n >= 3 points");
   EXPECT_TRUE(table.TableLinear());
   EXPECT_EQ(table.GetSize(), 3);
+}
+
+// Two points at one place of the curve, in a table that is listed by the values of its curve.
+CSpline BrokenDistanceTable(bool linear) {
+  CSpline table = Table({{0, 0}, {1e-7, 0}, {8, 0}});
+  table.MaxX(8);
+  table.TableLinear(linear);
+  return table;
+}
+
+TEST(DoModal, AListThatCannotBeBuiltClosesTheDialogWhileItOpens) {
+  CSplineDialog dialog;
+  dialog.Table(BrokenDistanceTable(false));
+  EXPECT_THROW(dialog.OnInitDialog(), std::string);
+
+  DialogApplication application;
+  CSpline table = BrokenDistanceTable(false);
+  application.scripts = {[](CDialog &opened) { opened.Press(1); }};
+  EXPECT_EQ(CSpline::DoModal(table), 2U);
+  EXPECT_EQ(application.opened, 1U);
+  EXPECT_EQ(application.scripts.size(), 1U) << "the user never sees it";
+  EXPECT_EQ(PointsOf(table), PointsOf(BrokenDistanceTable(false)));
+  EXPECT_FALSE(table.TableLinear());
+}
+
+TEST(DoModal, AListThatCannotBeBuiltForASplineClosesTheDialogAsCancelled) {
+  DialogApplication application;
+  CSpline table = BrokenDistanceTable(true);
+  std::string thrown;
+  application.scripts = {[&](CDialog &dialog) {
+    try {
+      dialog.Press(5014);
+    } catch (std::string const &text) {
+      thrown = text;
+      throw;
+    }
+    dialog.Press(1);
+  }};
+  EXPECT_EQ(CSpline::DoModal(table), 2U);
+  EXPECT_EQ(thrown, "spline only for n >= 3 points");
+  EXPECT_EQ(PointsOf(table), PointsOf(BrokenDistanceTable(true)));
+  EXPECT_TRUE(table.TableLinear());
 }
 
 TEST(DoModal, SwallowsAnythingThatIsThrown) {

@@ -1,4 +1,4 @@
-#include "desktop/window_driver.h"
+#include "desktop/wx/window_driver.h"
 
 #include <algorithm>
 #include <wx/msgdlg.h>

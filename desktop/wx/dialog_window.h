@@ -30,10 +30,12 @@ class DialogWindow : public wxDialog {
   wxWindow *MakeControl(CControl const &control);
   wxWindow *MakeEdit(CControl const &control, wxRect const &place);
   void BindMouse();
+  void TellMove(wxPoint to);
+  void CatchUp();
+  void ChooseFocus();
   void OnKey(wxKeyEvent &event);
   void OnPaint(wxPaintEvent &event);
   void TellSize();
-  void ChooseFocus();
 
   /// Tells the dialog something, and shows what has become of it.
   void Tell(std::function<void()> const &event);
@@ -47,6 +49,8 @@ class DialogWindow : public wxDialog {
 
   CDialog &m_dialog;
   wxPanel *m_panel;
+  wxPoint m_told;              // where the mouse was when the dialog heard of it last
+  wxSize m_size;               // of the client area
   std::vector<Shown> m_shown;  // one for each control of the dialog
   std::exception_ptr m_failure;
 };

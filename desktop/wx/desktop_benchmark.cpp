@@ -1,7 +1,7 @@
 // How often the real window repaints while a point is dragged, and how long one picture takes.
 //
 // "frames" are pictures a second, "limit" is what a user takes for smooth. Needs a display:
-//   desktop/on_virtual_display.sh build/release/desktop/desktop_benchmark
+//   desktop/on_virtual_display.sh build/release/desktop/wx/desktop_benchmark
 
 #include <X11/Xlib.h>
 #include <chrono>

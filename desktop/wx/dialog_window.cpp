@@ -1,4 +1,4 @@
-#include "desktop/dialog_window.h"
+#include "desktop/wx/dialog_window.h"
 
 #include <algorithm>
 #include <wx/button.h>
@@ -11,8 +11,11 @@
 #include <wx/radiobut.h>
 #include <wx/stattext.h>
 #include <wx/textctrl.h>
+#include <wx/tooltip.h>
+#include <wx/utils.h>
 
-#include "desktop/toolkit.h"
+#include "desktop/first_focus.h"
+#include "desktop/wx/toolkit.h"
 
 namespace {
 
@@ -69,7 +72,8 @@ class Painter {
       case CDrawOperation::Kind::rectangle:
         return m_dc.DrawRectangle(place);
       case CDrawOperation::Kind::ellipse:
-        return m_dc.DrawEllipse(place);
+        // The toolkit's outline goes round the place, and this one lies within it.
+        return m_dc.DrawEllipse(place.x, place.y, place.width - 1, place.height - 1);
       case CDrawOperation::Kind::moveTo:
         FinishLine();
         m_line = {point};
@@ -86,11 +90,24 @@ class Painter {
   // Lines that follow one another are one stroke, which the toolkit draws much faster. The next one
   // begins where this ends, with another pen, too.
   void FinishLine() {
-    if (m_line.size() > 1) m_dc.DrawLines(static_cast<int>(m_line.size()), m_line.data());
-    if (!m_line.empty()) m_line = {m_line.back()};
+    if (m_line.empty()) return;
+    wxPoint const end = m_line.back();
+    if (m_line.size() > 1) {
+      m_line.back() = BeforeEnd(m_line[m_line.size() - 2], end);
+      m_dc.DrawLines(static_cast<int>(m_line.size()), m_line.data());
+    }
+    m_line = {end};
   }
 
  private:
+  // The last pixel of a line is not drawn, and the toolkit would draw it. It shows where a line goes
+  // from edge to edge of a rectangle.
+  static wxPoint BeforeEnd(wxPoint from, wxPoint end) {
+    if (from.x != end.x && from.y != end.y) return end;
+    return {end.x + (from.x > end.x) - (from.x < end.x),
+            end.y + (from.y > end.y) - (from.y < end.y)};
+  }
+
   wxDC &m_dc;
   CIcon const *m_icon;
   std::vector<wxPoint> m_line;
@@ -101,6 +118,34 @@ class Painter {
 wxRect RoomFor(wxWindow const &label, wxRect const &place) {
   int const width = std::max(place.width, label.GetBestSize().x);
   return {std::max(0, place.x + place.width - width), place.y, width, place.height};
+}
+
+// Gives a control the font of its window, or a smaller one in which a text is not wider than the
+// control. False if it still is; smaller letters could not be read.
+bool FitFont(wxWindow &control, wxString const &text) {
+  constexpr int kFrame = 16;  // what the toolkit keeps free at the sides
+  for (float const scale : {1.0F, 0.85F, 0.7F}) {
+    control.SetFont(control.GetParent()->GetFont().Scaled(scale));
+    if (control.GetTextExtent(text).x + kFrame <= control.GetSize().x) return true;
+  }
+  return false;
+}
+
+// A text that nobody can scroll: what is cut is told to who points at it.
+void FitText(wxTextCtrl &edit, wxString const &text) {
+  if (FitFont(edit, text)) {
+    edit.UnsetToolTip();
+  } else {
+    edit.SetToolTip(text);
+  }
+}
+
+void FitRows(wxListBox &list, wxArrayString const &rows) {
+  auto const width = [&](wxString const &row) { return list.GetParent()->GetTextExtent(row).x; };
+  auto const widest =
+      std::max_element(rows.begin(), rows.end(),
+                       [&](wxString const &a, wxString const &b) { return width(a) < width(b); });
+  if (widest != rows.end()) FitFont(list, *widest);
 }
 
 void Draw(wxDC &dc, CDrawing const &drawing, CIcon const *icon) {
@@ -137,7 +182,17 @@ DialogWindow::DialogWindow(wxWindow *parent, CDialog &dialog)
     TellSize();
     event.Skip();
   });
-  Bind(wxEVT_ICONIZE, [this](wxIconizeEvent &) { TellSize(); });
+  Bind(wxEVT_IDLE, [this](wxIdleEvent &event) {
+    Show();  // the program that owns the dialog may have sent it a command
+    CatchUp();
+    event.Skip();
+  });
+  Bind(wxEVT_ICONIZE, [this](wxIconizeEvent &) {
+    TellSize();
+    Show();
+    if (!IsIconized()) ChooseFocus();  // hidden controls have lost it
+    Refresh();  // a minimised window is another picture, and some desktops show it
+  });
 }
 
 DialogWindow::~DialogWindow() {
@@ -209,6 +264,8 @@ void DialogWindow::BindMouse() {
   auto const bind = [this](auto const &type, Handler handler) {
     m_panel->Bind(type, [this, handler](wxMouseEvent &event) {
       CPoint const point{event.GetX(), event.GetY()};
+      if (event.LeftUp()) TellMove(event.GetPosition());
+      m_told = event.GetPosition();
       Tell([this, handler, point] { (m_dialog.*handler)(point); });
       event.Skip();  // the panel takes the focus
     });
@@ -222,6 +279,20 @@ void DialogWindow::BindMouse() {
   m_panel->Bind(wxEVT_MOUSE_CAPTURE_LOST, [this](wxMouseCaptureLostEvent &) {
     Tell([this] { m_dialog.OnLButtonUp({0, 0}); });
   });
+}
+
+void DialogWindow::TellMove(wxPoint to) {
+  if (to == m_told) return;
+  m_told = to;
+  Tell([this, to] { m_dialog.OnMouseMove({to.x, to.y}); });
+}
+
+// The toolkit tells no move that comes while another is worked off, and the last of a drag may be one:
+// the dialog hears of it here, or when the button comes up.
+void DialogWindow::CatchUp() {
+  if (!m_panel->HasCapture()) return;
+  wxMouseState const mouse = wxGetMouseState();
+  if (mouse.LeftIsDown()) TellMove(m_panel->ScreenToClient(mouse.GetPosition()));
 }
 
 // Escape cancels. Return presses the button that has the focus, and OK where no button has it. The
@@ -253,9 +324,10 @@ void DialogWindow::OnPaint(wxPaintEvent & /*event*/) {
   CallAfter([this] { Show(); });  // the paint sets controls, too
 }
 
+// The toolkit tells no size of a minimised window, whose picture is as large as before.
 void DialogWindow::TellSize() {
-  wxSize const size = GetClientSize();
-  m_dialog.Resize({0, 0, size.x, size.y}, IsIconized());
+  if (!IsIconized()) m_size = GetClientSize();
+  m_dialog.Resize({0, 0, m_size.x, m_size.y}, IsIconized());
 }
 
 unsigned int DialogWindow::Run() {
@@ -274,18 +346,9 @@ unsigned int DialogWindow::Run() {
   return m_dialog.Result() != 0 ? m_dialog.Result() : CDialog::kCancel;
 }
 
-// The first edit that takes text; without one the default button.
 void DialogWindow::ChooseFocus() {
-  auto const focusFirst = [this](auto const &takes) {
-    for (std::size_t i = 0; i < m_shown.size(); ++i) {
-      if (!takes(m_dialog.Controls()[i])) continue;
-      m_shown[i].window->SetFocus();
-      return true;
-    }
-    return false;
-  };
-  if (!focusFirst([](CControl const &c) { return c.kind == Kind::edit && !c.readOnly; }))
-    focusFirst([](CControl const &c) { return c.kind == Kind::defaultButton; });
+  if (int const i = FirstFocus(m_dialog.Controls()); i >= 0)
+    m_shown[static_cast<std::size_t>(i)].window->SetFocus();
 }
 
 void DialogWindow::Tell(std::function<void()> const &event) {
@@ -316,10 +379,14 @@ void DialogWindow::Show() {
 
 void DialogWindow::ShowControl(CControl const &control, Shown &shown) {
   wxWindow *const window = shown.window;
-  if (window->IsShown() != control.shown) window->Show(control.shown);
+  bool const shows = control.shown && !IsIconized();  // minimised, the icon stands alone
+  if (window->IsShown() != shows) window->Show(shows);
   if (auto *edit = dynamic_cast<wxTextCtrl *>(window)) {
     wxString const text = ToolkitText(control.text.c_str());
-    if (edit->GetValue() != text) edit->ChangeValue(text);
+    if (edit->GetValue() != text) {
+      edit->ChangeValue(text);
+      if (control.readOnly) FitText(*edit, text);
+    }
     if (edit->IsEditable() == control.readOnly) edit->SetEditable(!control.readOnly);
   } else if (auto *label = dynamic_cast<wxStaticText *>(window)) {
     wxString const text = ToolkitText(control.text.c_str());
@@ -340,6 +407,7 @@ void DialogWindow::ShowControl(CControl const &control, Shown &shown) {
     shown.rows = control.rows;
     wxArrayString rows;
     for (std::string const &row : control.rows) rows.Add(ToolkitText(row.c_str()));
+    FitRows(*list, rows);
     list->Set(rows);
   }
 }

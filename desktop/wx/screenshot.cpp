@@ -1,4 +1,4 @@
-#include "desktop/screenshot.h"
+#include "desktop/wx/screenshot.h"
 
 #include <X11/Xlib.h>
 #include <X11/Xutil.h>

@@ -1,11 +1,13 @@
 // The spline tool and its dialogs in real windows, worked by real events.
 //
-// These run under a virtual display of their own (xvfb-run). Screenshots go to the folder that
+// These run under a virtual display of their own (on_virtual_display.sh). Screenshots go to the folder that
 // QUILLAVEN_SCREENSHOTS names, so that one can look at what a user would see.
 
+#include <algorithm>
 #include <clocale>
 #include <cstdlib>
 #include <filesystem>
+#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
@@ -22,7 +24,7 @@
 #include <quillaven/editor/spline_dialog_internal.h>
 #include <quillaven/functions/spline.h>
 
-#include "desktop/window_driver.h"
+#include "desktop/wx/window_driver.h"
 #include "tests/support/spline_tables.h"
 
 namespace {
@@ -121,6 +123,59 @@ TEST_F(Desktop, TheMouseBelongsToTheToolWhileAPointIsDragged) {
   EXPECT_EQ(CSpline::DoModal(table), 1U);
   EXPECT_EQ(table.GetXAt(1), 1.0);
   EXPECT_LT(table.GetYAt(1), 75.0);
+}
+
+// The toolkit may leave out the last move.
+TEST_F(Desktop, ADragEndsWhereTheButtonComesUp) {
+  CSpline table = DistanceTable();
+  WindowDriver driver;
+  driver.scripts = {[](WindowDriver &d) {
+    Places const places(d);
+    d.Press(places.At(1, 75));
+    wxMouseEvent up(wxEVT_LEFT_UP);
+    up.SetPosition(places.At(3, 40));
+    d.Panel().GetEventHandler()->ProcessEvent(up);
+    EXPECT_FALSE(d.Panel().HasCapture());
+    d.Release();
+    d.Click("1");
+  }};
+  EXPECT_EQ(CSpline::DoModal(table), 1U);
+  ASSERT_EQ(table.GetSize(), 3);
+  EXPECT_NEAR(table.GetXAt(1), 3, 0.05);
+  EXPECT_NEAR(table.GetYAt(1), 40, 1);
+}
+
+// The values of the point open while the left button is down: the drag ends there, and the button
+// that comes up in another window, or later, does no harm.
+TEST_F(Desktop, ARightClickEndsADrag) {
+  CSpline table = DistanceTable();
+  WindowDriver driver;
+  driver.scripts = {[](WindowDriver &d) {
+                      Places const places(d);
+                      d.Press(places.At(1, 75));
+                      EXPECT_TRUE(d.Panel().HasCapture());
+                      wxPoint const moved = places.At(3, 40);
+                      d.MoveTo(moved);
+                      d.Settle();
+                      d.RightClick(moved);
+                      EXPECT_FALSE(d.Panel().HasCapture());
+                      d.MoveTo(places.At(6, 90));  // drags nothing any more
+                      d.Settle();
+                      EXPECT_EQ(d.As<wxListBox>("1009").GetString(0), "0.00    80");
+                      d.Click("1");
+                    },
+                    [](WindowDriver &d) {
+                      EXPECT_EQ(d.Window().GetTitle(), "Edit point");
+                      double x = 0;
+                      EXPECT_TRUE(d.TextOf("5016").ToCDouble(&x));
+                      EXPECT_NEAR(x, 3, 0.05);
+                      d.Release();  // the left button, above the other window
+                      d.Write("5016", "4");
+                      d.Write("5017", "50");
+                      d.Key(WXK_RETURN);
+                    }};
+  EXPECT_EQ(CSpline::DoModal(table), 1U);
+  EXPECT_EQ(PointsOf(table), (Pairs{{0, 80}, {4, 50}, {8, 0}}));
 }
 
 TEST_F(Desktop, CancelLeavesTheTable) {
@@ -271,6 +326,38 @@ TEST_F(Desktop, TheTicksAreHiddenForATableThatEndsElsewhere) {
   EXPECT_EQ(CSpline::DoModal(table), 2U);
 }
 
+TEST_F(Desktop, LongNumbersAreWrittenSmallerAndToldInWholeWhereTheyAreCut) {
+  CSpline table = Table({{-1234.56, 0.5}, {12345.6, -1.23457e-05}, {1.23457e6, 1}});
+  table.MinX(-123.5F);
+  table.MaxX(1.23457e6F);
+  table.MinY(0);
+  table.MaxY(1);
+  WindowDriver driver;
+  driver.scripts = {
+      [](WindowDriver &d) {
+        auto const points = [&d](char const *id) { return d.Control(id).GetFont().GetPointSize(); };
+        int const usual = d.Control("1").GetFont().GetPointSize();
+        EXPECT_EQ(points("1005"), usual);
+        EXPECT_LT(points("1007"), usual);
+        EXPECT_EQ(d.Control("1007").GetToolTipText(), "") << "it fits, small as it is";
+        EXPECT_EQ(d.TextOf("1008"), "1.23457e+06");
+        EXPECT_EQ(d.Control("1008").GetToolTipText(), "1.23457e+06");
+        EXPECT_LT(points("1009"), usual);
+        auto &list = d.As<wxListBox>("1009");
+        EXPECT_LT(list.GetTextExtent(list.GetString(1)).x, list.GetSize().x);
+        d.Photograph(ScreenshotFile("long-numbers"));
+        d.Click("5004");
+        EXPECT_EQ(points("1008"), usual) << "the limit is short now";
+        EXPECT_EQ(d.Control("1008").GetToolTipText(), "");
+        d.Key(WXK_ESCAPE);
+      },
+      [](WindowDriver &d) {
+        d.Write("5006", "9");
+        d.Click("1");
+      }};
+  EXPECT_EQ(CSpline::DoModal(table), 2U);
+}
+
 TEST_F(Desktop, ADoubleClickInTheListShowsABox) {
   CSpline table = DistanceTable();
   WindowDriver driver;
@@ -382,6 +469,73 @@ TEST_F(Desktop, ASplineThatCannotBeBuiltClosesTheWindow) {
   driver.scripts = {[](WindowDriver &d) { d.Click("5014"); }};
   EXPECT_EQ(CSpline::DoModal(table), 2U);
   EXPECT_TRUE(table.TableLinear());
+}
+
+// Reaches the commands that have no control.
+class OwnerOfDialogs : public CDesktopApplication {
+ public:
+  unsigned int RunModal(CDialog &dialog) override {
+    open = &dialog;
+    return CDesktopApplication::RunModal(dialog);
+  }
+  void BeginWaitCursor() override {
+    ++waits;
+    CDesktopApplication::BeginWaitCursor();
+    EXPECT_TRUE(wxIsBusy());
+  }
+  CDialog *open = nullptr;
+  int waits = 0;
+};
+
+TEST_F(Desktop, AnOwnersCommandThinsTheTableAndTheWindowShowsIt) {
+  OwnerOfDialogs owner;
+  CSpline table = Table({{0, 0}, {1, 10.5}, {2, 20}, {4, 80}, {5, 60}, {6, 40.5}, {8.5, -5}});
+  table.MinX(0);
+  table.MaxX(8.5F);
+  table.MinY(-10);
+  table.MaxY(100);
+  table.TableLinear(false);
+  WindowDriver driver;
+  driver.scripts = {[&owner](WindowDriver &d) {
+    EXPECT_EQ(d.As<wxListBox>("1009").GetCount(), 7U);
+    EXPECT_TRUE(d.As<wxRadioButton>("5014").GetValue());
+    owner.open->OnCommand(CSplineDialog::kThin);
+    d.Settle();
+    EXPECT_EQ(d.As<wxListBox>("1009").GetCount(), 5U);
+    EXPECT_EQ(d.As<wxListBox>("1009").GetString(1), "2  20");
+    EXPECT_TRUE(d.As<wxRadioButton>("5015").GetValue());
+    EXPECT_FALSE(d.As<wxRadioButton>("5014").GetValue());
+    EXPECT_FALSE(wxIsBusy());
+    d.Photograph(ScreenshotFile("thinned"));
+    d.Click("1");
+  }};
+  EXPECT_EQ(CSpline::DoModal(table), 1U);
+  EXPECT_EQ(owner.waits, 1);
+  EXPECT_TRUE(table.TableLinear());
+  EXPECT_EQ(PointsOf(table), (Pairs{{0, 0}, {2, 20}, {4, 80}, {6, 40.5}, {8.5, -5}}));
+}
+
+TEST_F(Desktop, LinesFromEdgeToEdgeStayWithinTheFrame) {
+  CSpline table = DistanceTable();
+  WindowDriver driver;
+  driver.scripts = {[](WindowDriver &d) {
+    d.Click("5010");
+    Screenshot const shot = d.Photograph(ScreenshotFile("grid"));
+    CRect const plot = Places(d).scale.plot;
+    int const width = d.Window().GetScreenRect().width;
+    auto const at = [&](int x, int y) {
+      return shot.pixels[static_cast<std::size_t>(y * width + x)];
+    };
+    for (int y = plot.top; y < plot.bottom; ++y) {
+      EXPECT_EQ(at(plot.right, y), at(plot.right, plot.top)) << "right of the frame, row " << y;
+      EXPECT_EQ(at(plot.left - 1, y), at(plot.left - 1, plot.top)) << "left of it, row " << y;
+    }
+    for (int x = plot.left; x < plot.right; ++x)
+      EXPECT_EQ(at(x, plot.bottom), at(plot.left, plot.bottom)) << "below it, column " << x;
+    EXPECT_EQ(at(plot.right - 1, plot.top + 40), 0U) << "the frame";
+    d.Key(WXK_ESCAPE);
+  }};
+  EXPECT_EQ(CSpline::DoModal(table), 2U);
 }
 
 TEST_F(Desktop, BoxesHaveTheTextAndTitleOfTheLibrary) {
@@ -497,6 +651,68 @@ TEST(DesktopApplication, LeavesTheLocaleOfTheProgram) {
   CDesktopApplication application;
   EXPECT_TRUE(application.HasDisplay());
   EXPECT_EQ(std::setlocale(LC_ALL, nullptr), before);
+}
+
+void ShowsTheTool() {
+  CSpline table = DistanceTable();
+  WindowDriver driver;
+  driver.scripts = {[](WindowDriver &d) { d.Click("1"); }};
+  EXPECT_EQ(CSpline::DoModal(table), 1U);
+}
+
+TEST(DesktopApplication, SeveralCanBeDestroyedInAnyOrder) {
+  CApplication *const before = &GetApplication();
+  std::vector<std::size_t> order = {0, 1, 2};
+  do {
+    SCOPED_TRACE(testing::PrintToString(order));
+    std::vector<std::unique_ptr<CDesktopApplication>> all(3);
+    for (auto &one : all) one = std::make_unique<CDesktopApplication>();
+    EXPECT_TRUE(all[order[0]]->HasDisplay()) << "the first to go has started the toolkit";
+    for (std::size_t const next : order) {
+      all[next].reset();
+      CApplication *last = before;
+      for (auto const &one : all)
+        if (one != nullptr) last = one.get();
+      EXPECT_EQ(&GetApplication(), last);
+      EXPECT_EQ(wxTheApp != nullptr, last != before) << "the toolkit goes with the last";
+    }
+  } while (std::next_permutation(order.begin(), order.end()));
+}
+
+TEST(DesktopApplication, TheOneThatIsLeftStillShowsWindows) {
+  auto outer = std::make_unique<CDesktopApplication>();
+  ASSERT_TRUE(outer->HasDisplay());
+  auto inner = std::make_unique<CDesktopApplication>();
+  outer.reset();
+  ShowsTheTool();
+  outer = std::make_unique<CDesktopApplication>();  // the inner one of the two now
+  inner.reset();
+  ShowsTheTool();
+}
+
+TEST(DesktopApplication, LeavesAnApplicationThatWasPutInForceLater) {
+  CApplication *const before = &GetApplication();
+  CApplication later;
+  {
+    CDesktopApplication application;
+    EXPECT_EQ(SetApplication(&later), &application);
+  }
+  EXPECT_EQ(&GetApplication(), &later);
+  EXPECT_EQ(SetApplication(before), &later);
+}
+
+TEST(DesktopApplication, TakesItsWaitCursorsWithIt) {
+  CDesktopApplication outer;
+  ASSERT_TRUE(outer.HasDisplay());
+  outer.BeginWaitCursor();
+  {
+    CDesktopApplication inner;
+    inner.BeginWaitCursor();
+    inner.BeginWaitCursor();
+  }
+  EXPECT_TRUE(wxIsBusy());
+  outer.EndWaitCursor();
+  EXPECT_FALSE(wxIsBusy());
 }
 
 TEST(DesktopApplication, BringsTheApplicationBeforeBack) {

@@ -1,4 +1,4 @@
-#include "desktop/toolkit.h"
+#include "desktop/wx/toolkit.h"
 
 #include <clocale>
 #include <string>
@@ -26,6 +26,13 @@ class KeptLocale {
 };
 
 }  // namespace
+
+std::shared_ptr<Toolkit> Toolkit::Shared() {
+  static std::weak_ptr<Toolkit> shared;
+  std::shared_ptr<Toolkit> toolkit = shared.lock();
+  if (toolkit == nullptr) shared = toolkit = std::shared_ptr<Toolkit>(new Toolkit);
+  return toolkit;
+}
 
 bool Toolkit::Start() {
   if (wxTheApp != nullptr) return true;

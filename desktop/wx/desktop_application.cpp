@@ -1,4 +1,5 @@
 #include <cstring>
+#include <memory>
 #include <vector>
 #include <wx/app.h>
 #include <wx/dcmemory.h>
@@ -10,14 +11,23 @@
 #include <quillaven/desktop/desktop_application.h>
 #include <quillaven/editor/dialog.h>
 
-#include "desktop/dialog_window.h"
-#include "desktop/toolkit.h"
+#include "desktop/in_force.h"
+#include "desktop/open_window.h"
+#include "desktop/wx/dialog_window.h"
+#include "desktop/wx/toolkit.h"
 
 struct CDesktopApplication::Desk {
-  Toolkit toolkit;
+  std::shared_ptr<Toolkit> toolkit = Toolkit::Shared();
   std::vector<wxWindow *> open;  // dialogs, the one in front last
   int waiting = 0;
+  InForce inForce;
 
+  explicit Desk(CApplication &application) : inForce(application) {}
+  Desk(Desk const &) = delete;
+  Desk &operator=(Desk const &) = delete;
+  ~Desk() {
+    for (; waiting > 0 && wxTheApp != nullptr; --waiting) wxEndBusyCursor();
+  }
   wxWindow *Front() const { return open.empty() ? wxTheApp->GetTopWindow() : open.back(); }
 };
 
@@ -38,20 +48,6 @@ long StyleOf(unsigned int type) {
   }
 }
 
-// A dialog among those that are open, for as long as this lives.
-class OpenDialog {
- public:
-  OpenDialog(std::vector<wxWindow *> &open, wxWindow *window) : m_open(open) {
-    m_open.push_back(window);
-  }
-  ~OpenDialog() { m_open.pop_back(); }
-  OpenDialog(OpenDialog const &) = delete;
-  OpenDialog &operator=(OpenDialog const &) = delete;
-
- private:
-  std::vector<wxWindow *> &m_open;
-};
-
 wxImage DrawText(wxString const &text) {
   wxMemoryDC dc;
   dc.SetFont(wxSystemSettings::GetFont(wxSYS_DEFAULT_GUI_FONT));
@@ -70,15 +66,12 @@ wxImage DrawText(wxString const &text) {
 
 }  // namespace
 
-CDesktopApplication::CDesktopApplication()
-    : m_desk(std::make_unique<Desk>()), m_before(SetApplication(this)) {}
+CDesktopApplication::CDesktopApplication() : m_desk(std::make_unique<Desk>(*this)) {}
 
-CDesktopApplication::~CDesktopApplication() {
-  SetApplication(m_before);
-}
+CDesktopApplication::~CDesktopApplication() = default;
 
 bool CDesktopApplication::HasDisplay() {
-  return m_desk->toolkit.Start();
+  return m_desk->toolkit->Start();
 }
 
 int CDesktopApplication::DoMessageBox(char const *text, char const *title, unsigned int type,
@@ -119,6 +112,6 @@ unsigned int CDesktopApplication::RunModal(CDialog &dialog) {
     return CDialog::kCancel;
   }
   DialogWindow window(m_desk->Front(), dialog);
-  OpenDialog const open(m_desk->open, &window);
+  OpenWindow<wxWindow> const open(m_desk->open, &window);
   return window.Run();
 }

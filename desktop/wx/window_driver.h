@@ -19,7 +19,7 @@
 
 #include <gtest/gtest.h>
 
-#include "desktop/screenshot.h"
+#include "desktop/wx/screenshot.h"
 
 class WindowDriver : public wxModalDialogHook {
  public:
@@ -58,8 +58,7 @@ class WindowDriver : public wxModalDialogHook {
   }
   void MoveTo(wxPoint inPanel) { m_mouse.MouseMove(Panel().ClientToScreen(inPanel)); }
   void Press(wxPoint inPanel) {
-    MoveTo(inPanel);
-    Settle();
+    GoTo(Panel().ClientToScreen(inPanel));
     m_mouse.MouseDown();
     Settle();
   }
@@ -67,10 +66,7 @@ class WindowDriver : public wxModalDialogHook {
     m_mouse.MouseUp();
     Settle();
   }
-  /// Two clicks in less than the time of a double click have to be a double click: this waits first.
-  void Apart() { Settle(500); }
   void Drag(wxPoint from, wxPoint to, int steps = 10) {
-    Apart();
     Press(from);
     for (int i = 1; i <= steps; ++i) {
       MoveTo({from.x + (to.x - from.x) * i / steps, from.y + (to.y - from.y) * i / steps});
@@ -79,24 +75,18 @@ class WindowDriver : public wxModalDialogHook {
     Release();
   }
   void DoubleClick(wxPoint inPanel) {
-    Apart();
-    MoveTo(inPanel);
-    Settle();
+    GoTo(Panel().ClientToScreen(inPanel));
     m_mouse.MouseDblClick();
     Settle();
   }
   void RightClick(wxPoint inPanel) {
-    Apart();
-    MoveTo(inPanel);
-    Settle();
+    GoTo(Panel().ClientToScreen(inPanel));
     m_mouse.MouseClick(wxMOUSE_BTN_RIGHT);
     Settle();
   }
   void Click(std::string const &id) {
-    Apart();
     wxRect const place = Control(id).GetScreenRect();
-    m_mouse.MouseMove({place.x + place.width / 2, place.y + place.height / 2});
-    Settle();
+    GoTo({place.x + place.width / 2, place.y + place.height / 2});
     m_mouse.MouseClick();
     Settle();
   }
@@ -129,6 +119,17 @@ class WindowDriver : public wxModalDialogHook {
  private:
   void Run(wxDialog *dialog, Script const &script);
 
+  /// Goes to a place to press a button there. Two clicks in one place in less than the time of a
+  /// double click would be one: this waits for the second.
+  void GoTo(wxPoint onScreen) {
+    wxPoint const away = onScreen - m_pressed;
+    if (away.x * away.x + away.y * away.y < 400) Settle(500);
+    m_pressed = onScreen;
+    m_mouse.MouseMove(onScreen);
+    Settle();
+  }
+
   wxUIActionSimulator m_mouse;
+  wxPoint m_pressed{-1000, -1000};  // where a button was pressed last, on the screen
   std::vector<wxDialog *> m_open;
 };

@@ -1,12 +1,17 @@
-// The toolkit, started if nobody else has, and stopped by whoever started it.
+// The toolkit, started if nobody else has. What was started here is stopped with the last owner.
+//
+//   std::shared_ptr<Toolkit> const toolkit = Toolkit::Shared();
+//   if (toolkit->Start()) wxMessageBox("a display");
 
 #pragma once
 
+#include <memory>
 #include <wx/string.h>
 
 class Toolkit {
  public:
-  Toolkit() = default;
+  /// There is one in a process, as there is one wxTheApp.
+  static std::shared_ptr<Toolkit> Shared();
   ~Toolkit();
   Toolkit(Toolkit const &) = delete;
   Toolkit &operator=(Toolkit const &) = delete;
@@ -15,6 +20,8 @@ class Toolkit {
   bool Start();
 
  private:
+  Toolkit() = default;
+
   bool m_mine = false;
 };
 
