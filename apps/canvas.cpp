@@ -127,13 +127,6 @@ class PixelCanvas : public Canvas {
   Encode m_Encode;
 };
 
-std::string EndingOf(std::string const &file) {
-  std::string ending = std::filesystem::path(file).extension().string();
-  for (char &c : ending)
-    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c + 32);
-  return ending;
-}
-
 }  // namespace
 
 void Canvas::Save(std::string const &file) const {
@@ -144,10 +137,17 @@ void Canvas::Save(std::string const &file) const {
   if (!stream) throw Failure("cannot write '" + file + "': " + std::strerror(errno));
 }
 
+std::string EndingOf(std::string const &file) {
+  std::string ending = std::filesystem::path(file).extension().string();
+  for (char &c : ending)
+    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c + 32);
+  return ending;
+}
+
 std::unique_ptr<Canvas> MakeCanvas(std::string const &file, int width, int height) {
   std::string const ending = EndingOf(file);
   if (ending == ".svg") return std::make_unique<VectorCanvas>(width, height);
   if (ending == ".bmp") return std::make_unique<PixelCanvas>(width, height, BmpBytes);
   if (ending == ".png") return std::make_unique<PixelCanvas>(width, height, PngBytes);
-  throw Failure("'" + file + "' ends in none of .svg, .bmp and .png");
+  throw BadArguments("'" + file + "' ends in none of .svg, .bmp and .png");
 }

@@ -47,6 +47,9 @@ class Canvas {
   void Save(std::string const &file) const;
 };
 
-/// A canvas for the kind of picture that the ending of a file tells: .svg, .bmp or .png. Throws a
-/// Failure for any other.
+/// The ending of a file's name in small letters, with its dot.
+std::string EndingOf(std::string const &file);
+
+/// A canvas for the kind of picture that the ending of a file tells: .svg, .bmp or .png. Throws
+/// BadArguments for any other.
 std::unique_ptr<Canvas> MakeCanvas(std::string const &file, int width, int height);

@@ -17,6 +17,7 @@ struct DrawOptions {
 
 struct DemoOptions {
   std::string out = "quillaven-demo";
+  unsigned seed = 1995;  // of the growth
 };
 
 struct TableOptions {
@@ -42,7 +43,7 @@ struct ColorOptions {
   double factor = 0.6;
 };
 
-/// Draws a grid through a legend into a bitmap.
+/// Draws a grid through a legend into a picture, a bitmap or a PNG by the ending of its name.
 void Draw(DrawOptions const &options);
 /// Writes the raster of a file as a file of another kind.
 void Convert(ConvertOptions const &options);

@@ -19,6 +19,12 @@ class Failure : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
+/// The same for arguments that no file or machine could make right, with a status of their own.
+class BadArguments : public Failure {
+ public:
+  using Failure::Failure;
+};
+
 /// In force as long as it lives; its help directory holds "Legends" and "Palettes".
 class Console : public CApplication {
  public:
@@ -35,6 +41,8 @@ class Console : public CApplication {
   int DoMessageBox(char const *text, char const *title, unsigned int type,
                    unsigned int helpId) override;
   std::string HelpFilePath() const override { return m_helpFile; }
+  /// The same pictures on every machine.
+  CStampImage MakeStamp(char const *text) override { return DrawWithBuiltInFont(text); }
 
  private:
   CApplication *m_before;

@@ -9,7 +9,7 @@ namespace {
 
 RasterKind RequireKind(std::string const &file) {
   std::optional<RasterKind> const kind = KindOfRaster(file);
-  if (!kind) throw Failure("'" + file + "' ends in none of .asc, .doc, .img and .qmp");
+  if (!kind) throw BadArguments("'" + file + "' ends in none of .asc, .doc, .img and .qmp");
   return *kind;
 }
 
@@ -32,7 +32,7 @@ void ConvertThrough(CMatrixBaseMap<T> &map, CMultiScaleMatrix<T> const &raster,
 void Convert(ConvertOptions const &options) {
   if (options.asByte &&
       (options.type != "float" || KindOfRaster(options.out) != RasterKind::kIdrisi))
-    throw Failure("--as-byte is for float cells that become an Idrisi pair");
+    throw BadArguments("--as-byte is for float cells that become an Idrisi pair");
   Console const console(HelpDirectory(""));
   if (options.type == "float") {
     CMultiScaleFloatMatrix raster;

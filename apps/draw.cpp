@@ -1,8 +1,14 @@
+#include <cerrno>
+#include <cstring>
 #include <filesystem>
+#include <fstream>
 
+#include "apps/canvas.h"
 #include "apps/commands.h"
 #include "apps/console.h"
 #include "apps/files.h"
+#include "apps/pixel_files.h"
+#include "apps/table_file.h"
 
 namespace {
 
@@ -23,9 +29,27 @@ CRect WholeOf(CMultiScaleFloatMatrix const &raster) {
   return whole;
 }
 
+bool IsPng(std::string const &picture) {
+  std::string const ending = EndingOf(picture);
+  if (ending != ".bmp" && ending != ".png")
+    throw BadArguments("'" + picture + "' ends in neither .bmp nor .png");
+  return ending == ".png";
+}
+
+// The library draws bitmaps only: a PNG is made of one.
+void WritePng(std::string const &bitmap, std::string const &picture) {
+  std::string const bytes = PngBytes(PictureOfBitmap(BytesOf(bitmap)));
+  errno = 0;
+  std::ofstream stream(SystemPath(picture), std::ios::binary);
+  stream << bytes;
+  stream.close();
+  if (!stream) throw Failure("cannot write '" + picture + "': " + std::strerror(errno));
+}
+
 }  // namespace
 
 void Draw(DrawOptions const &options) {
+  bool const isPng = IsPng(options.picture);
   std::string const helpDirectory = HelpDirectory(options.helpDirectory);
   RequireGrid(options.grid);
   RequireLegend(helpDirectory, options.legend);
@@ -49,8 +73,15 @@ void Draw(DrawOptions const &options) {
 
   progress.Step("drawing " + options.picture);
   map.GetCellColor(0, 0);  // the map takes its size from the raster when a draw begins
-  int const drawn = map.WriteBitmap(options.picture.c_str(), options.zoom, WholeOf(raster),
-                                    options.stamp.c_str());
-  console.ThrowIfBoxShown();
-  if (drawn == 0) throw Failure("cannot write '" + options.picture + "'");
+  auto const drawTo = [&](std::string const &bitmap) {
+    int const drawn =
+        map.WriteBitmap(bitmap.c_str(), options.zoom, WholeOf(raster), options.stamp.c_str());
+    console.ThrowIfBoxShown();
+    if (drawn == 0) throw Failure("cannot write '" + bitmap + "'");
+  };
+  if (!isPng) return drawTo(options.picture);
+  ScratchFile const scratch;
+  drawTo(scratch.Path());
+  scratch.RequireRoom();
+  WritePng(scratch.Path(), options.picture);
 }

@@ -13,6 +13,7 @@
 #include <system_error>
 
 #include "apps/console.h"
+#include "apps/program_path.h"
 
 namespace {
 
@@ -128,9 +129,13 @@ void PrintColors(std::vector<unsigned long> const &colors) {
                 colors[i] >> 16 & 255);
 }
 
+// An installed tree may have been moved, or made under another prefix than the one built for: what lies
+// beside the program goes first.
 std::string HelpDirectory(std::string const &told) {
   if (!told.empty()) return told;
-  for (char const *own : {QUILLAVEN_INSTALLED_DATA, QUILLAVEN_SOURCE_DATA})
-    if (std::filesystem::is_directory(std::filesystem::path(own) / "Legends")) return own;
+  std::filesystem::path const folder = std::filesystem::path(ProgramPath()).parent_path();
+  std::filesystem::path const beside = folder.parent_path() / QUILLAVEN_DATA_BESIDE;
+  for (std::filesystem::path const &own : {beside, std::filesystem::path(QUILLAVEN_INSTALLED_DATA)})
+    if (std::filesystem::is_directory(own / "Legends")) return own.string();
   return ".";
 }

@@ -58,5 +58,6 @@ class ScratchFile {
 /// Prints colours, one a line: number, red, green, blue.
 void PrintColors(std::vector<unsigned long> const &colors);
 
-/// The folder of Legends and Palettes: the one told, or the program's own.
+/// The folder of Legends and of the demo's data: the one told, or else the one beside the program's
+/// folder, the one of the prefix it was built for, or the working directory.
 std::string HelpDirectory(std::string const &told);

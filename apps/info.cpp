@@ -15,7 +15,9 @@
 #include "apps/commands.h"
 #include "apps/console.h"
 #include "apps/files.h"
+#include "apps/network_options.h"
 #include "apps/raster_files.h"
+#include "apps/table_file.h"
 
 namespace {
 
@@ -104,6 +106,22 @@ void PrintBitmap(std::string const &file) {
               Number(bytes, 18, 4), height, Number(bytes, 28, 2), Number(bytes, 46, 4));
 }
 
+// Unlike a bitmap's, the numbers of a PNG begin with the highest byte.
+std::uint32_t HighFirst(std::string const &bytes, std::size_t offset) {
+  std::uint32_t number = 0;
+  for (std::size_t i = offset; i < offset + 4; ++i)
+    number = number << 8 | static_cast<unsigned char>(bytes[i]);
+  return number;
+}
+
+void PrintPng(std::string const &file) {
+  constexpr std::size_t kHeaders = 26;
+  std::string const bytes = FirstBytes(file, kHeaders);
+  if (bytes.size() < kHeaders) throw Failure("PNG '" + file + "' ends within its header");
+  std::printf("PNG\nwidth     %u\nheight    %u\nbits      %d a channel\n", HighFirst(bytes, 16),
+              HighFirst(bytes, 20), bytes[24]);
+}
+
 // A folder of its own, with the file as its only legend: legends are read by name from "Legends".
 class LegendFolder {
  public:
@@ -126,19 +144,52 @@ class LegendFolder {
   std::filesystem::path m_folder;
 };
 
-void PrintLegend(std::string const &file) {
-  LegendFolder const folder(file);
-  Console const console(folder.Path());
-  CMultiScaleFloatMatrix raster;
-  CFloatMatrixBaseMap map;
-  map.Attach("", "", &raster, "legend.txt", false);
-  console.ThrowIfBoxShown();
+void PrintItems(CFloatMatrixBaseMap &map) {
   std::printf("Legend\nclasses   %d\n", map.GetLegendItemCount());
   for (int item = 0; item < map.GetLegendItemCount(); ++item) {
     unsigned long const color = map.GetLegendItemColor(item);
     std::printf("%5d  %3lu %3lu %3lu  %s\n", item, color & 255, color >> 8 & 255, color >> 16 & 255,
                 map.GetLegendItemName(item).c_str());
   }
+}
+
+// What the library tells of a legend that it cannot read, without the name of the copy that it read;
+// nothing for a legend that is printed.
+std::string PrintLegend(std::string const &file) {
+  constexpr char kCopy[] = "\\legend.txt ";
+  try {
+    LegendFolder const folder(file);
+    Console const console(folder.Path());
+    CMultiScaleFloatMatrix raster;
+    CFloatMatrixBaseMap map;
+    map.Attach("", "", &raster, "legend.txt", false);
+    console.ThrowIfBoxShown();
+    PrintItems(map);
+    return "";
+  } catch (Failure const &failure) {
+    std::string const reason = failure.what();
+    std::size_t const copy = reason.find(kCopy);
+    return copy == std::string::npos ? reason : reason.substr(copy + sizeof kCopy - 1);
+  }
+}
+
+bool PrintedAsTable(std::string const &file) {
+  try {
+    TableInFile found = ReadTable(file, 1);
+    std::printf("Function table\nform      %s\npoints    %d\nbetween   %s\n",
+                found.tagged ? "tagged" : "compact", found.table.GetSize(),
+                found.table.TableLinear() ? "straight lines" : "a spline");
+    return true;
+  } catch (Failure const &) {
+    return false;
+  }
+}
+
+// No table can be read as a legend: its lines have too few numbers.
+void PrintText(std::string const &file) {
+  std::string const reason = PrintLegend(file);
+  if (!reason.empty() && !PrintedAsTable(file))
+    throw Failure("'" + file + "' is of no kind that is known here; as a legend: " + reason);
 }
 
 // Either file of an Idrisi pair stands for both.
@@ -182,8 +233,10 @@ void Info(std::string const &file) {
   if (IsGrid(file)) return PrintGrid(file);
   if (start == "[IDRISI]") return PrintPalette(file);
   if (isPair) return PrintIdrisi(file);
+  if (start.starts_with("MI03")) return DescribeNetwork(file);
+  if (start == "\x89PNG\r\n\x1a\n") return PrintPng(file);
   if (PrintedAsMap(file)) return;
   if (start.starts_with("BM")) return PrintBitmap(file);
   if (!IsText(file)) throw Failure("'" + file + "' is of no kind that is known here");
-  PrintLegend(file);
+  PrintText(file);
 }

@@ -16,26 +16,32 @@ constexpr int kCommandFailed = 1;
 constexpr int kBadArguments = 2;
 
 void AddDraw(CLI::App &program, DrawOptions &options) {
-  CLI::App *command = program.add_subcommand("draw", "Draw an ASCII grid into a bitmap");
+  CLI::App *command = program.add_subcommand("draw", "Draw an ASCII grid into a picture");
   command->add_option("grid", options.grid, "The grid to read")->required();
   command->add_option("--legend", options.legend, "Name of a legend in the folder Legends")
       ->required();
-  command->add_option("--out", options.picture, "The bitmap to write")->required();
+  command->add_option("--out", options.picture, "The picture to write: .bmp or .png")->required();
   command->add_option("--help-dir", options.helpDirectory,
                       "Folder that holds Legends and Palettes (default: the program's own)");
-  command->add_option("--zoom", options.zoom, "Pixels along a cell")->check(CLI::Range(1, 64));
+  command->add_option("--zoom", options.zoom, "Pixels along a cell")
+      ->check(CLI::Range(1, 64))
+      ->capture_default_str();
   command->add_option("--stamp", options.stamp, "Text for the top left corner");
   command
       ->add_option("--fine", options.fine, "Cells along a coarse block; one value for each block")
-      ->check(CLI::Range(1, 1024));
+      ->check(CLI::Range(1, 1024))
+      ->capture_default_str();
   command->footer(
-      "Example: quillaven draw landuse.asc --legend Landuse --zoom 2 --out landuse.bmp");
+      "Example: quillaven draw landuse.asc --legend Landuse --zoom 2 --out landuse.png");
   command->callback([&options] { Draw(options); });
 }
 
 void AddInfo(CLI::App &program, std::string &file) {
   CLI::App *command = program.add_subcommand("info", "Tell what a file holds");
-  command->add_option("file", file, "A grid, Idrisi pair, map file, legend, palette or bitmap")
+  command
+      ->add_option(
+          "file", file,
+          "A grid, Idrisi pair, map file, legend, palette, network, function table, bitmap or PNG")
       ->required();
   command->footer("Example: quillaven info landuse.asc");
   command->callback([&file] { Info(file); });
@@ -60,11 +66,16 @@ void AddColors(CLI::App &program, ColorOptions &options) {
   CLI::App *group =
       program.add_subcommand("colors", "Spread colours over the hues, or brighten one");
   group->require_subcommand(1);
+  group->footer("Example: quillaven colors spread 6");
   CLI::Range const scale(0, 252);
   CLI::App *spread = group->add_subcommand("spread", "Print so many colours, from red on");
   spread->add_option("count", options.count, "How many")->required()->check(CLI::Range(1, 100000));
-  spread->add_option("--saturation", options.saturation, "0 to 252")->check(scale);
-  spread->add_option("--lightness", options.lightness, "0 to 252")->check(scale);
+  spread->add_option("--saturation", options.saturation, "0 to 252")
+      ->check(scale)
+      ->capture_default_str();
+  spread->add_option("--lightness", options.lightness, "0 to 252")
+      ->check(scale)
+      ->capture_default_str();
   spread->footer("Example: quillaven colors spread 6 --lightness 100");
   spread->callback([&options] { SpreadColors(options); });
   CLI::App *brighten = group->add_subcommand("brighten", "Print a colour made brighter or darker");
@@ -83,6 +94,9 @@ void AddDemo(CLI::App &program, DemoOptions &options) {
       program.add_subcommand("demo", "Show the library on the land use of a country");
   command->add_option("--out", options.out, "Folder for the files that are written")
       ->capture_default_str();
+  command
+      ->add_option("--seed", options.seed, "Chance of the growth: the same number, the same years")
+      ->capture_default_str();
   command->footer("Example: quillaven demo --out pictures");
   command->callback([&options] { Demo(options); });
 }
@@ -97,6 +111,7 @@ CLI::App *AddNetworkCommand(CLI::App &group, char const *name, char const *what,
 void AddNetwork(CLI::App &program, NetworkOptions &options) {
   CLI::App *group = program.add_subcommand("network", "Work on transport networks");
   group->require_subcommand(1);
+  group->footer("Example: quillaven network import --type 1 roads.txt --out roads.bin");
   CLI::Range const types(0, 255);
 
   CLI::App *command =
@@ -146,14 +161,17 @@ CLI::App *AddTableCommand(CLI::App &tables, TableOptions &options, char const *n
   CLI::App *command = tables.add_subcommand(name, what);
   command->add_option("file", options.file, "The file of tables to read")->required();
   command->add_option("--table", options.table, "Which table of the file, from 1")
-      ->check(CLI::Range(1, 1000000));
+      ->check(CLI::Range(1, 1000000))
+      ->capture_default_str();
   command->callback([&options, run] { run(options); });
   return command;
 }
 
 void AddTable(CLI::App &program, TableOptions &options) {
-  CLI::App *tables = program.add_subcommand("table", "Evaluate, draw and convert function tables");
+  CLI::App *tables =
+      program.add_subcommand("table", "Evaluate, draw, convert and edit function tables");
   tables->require_subcommand(1);
+  tables->footer("Example: quillaven table plot demand.txt --out demand.svg");
   CLI::App *eval =
       AddTableCommand(*tables, options, "eval", "Print the value at each x", TableEval);
   eval->add_option("x", options.questions, "Where to evaluate")->required();
@@ -171,8 +189,11 @@ void AddTable(CLI::App &program, TableOptions &options) {
   convert->footer("Example: quillaven table convert step.txt --to tagged --out step-tagged.txt");
   CLI::App *edit = AddTableCommand(*tables, options, "edit",
                                    "Shape a table with the mouse; the old file is kept", TableEdit);
-  edit->add_option("--number", options.table, "The same as --table")->check(CLI::Range(1, 1000000));
-  edit->footer("Example: quillaven table edit demand.txt --number 1");
+  edit->add_option("--number", options.table, "The same as --table")
+      ->check(CLI::Range(1, 1000000))
+      ->excludes(edit->get_option("--table"))
+      ->group("");  // an older name, not shown
+  edit->footer("Example: quillaven table edit demand.txt --table 1");
 }
 
 // Every failure is one line and a status; help and version end well.
@@ -181,9 +202,18 @@ int Fail(std::string const &why, int status) {
   return status;
 }
 
-}  // namespace
+// The innermost command that was named, as it is typed.
+std::string CommandOf(CLI::App const &program) {
+  std::string typed = program.get_name();
+  CLI::App const *command = &program;
+  while (!command->get_subcommands().empty()) {
+    command = command->get_subcommands().back();
+    typed += " " + command->get_name();
+  }
+  return typed;
+}
 
-int main(int argc, char **argv) {  // NOLINT: what is thrown while options are set up ends it
+int Run(int argc, char **argv) {
   DrawOptions draw;
   DemoOptions demo;
   ConvertOptions convert;
@@ -191,9 +221,17 @@ int main(int argc, char **argv) {  // NOLINT: what is thrown while options are s
   NetworkOptions network;
   TableOptions table;
   std::string file;
-  CLI::App program("Rasters at two scales, legends and pictures", "quillaven");
+  CLI::App program(
+      "Rasters at two scales, legends and pictures, transport networks and function tables",
+      "quillaven");
   program.set_version_flag("--version", QUILLAVEN_VERSION);
-  program.require_subcommand(0, 1);  // none is told below, in words of our own
+  program.require_subcommand(0, 1);            // none is told below, in words of our own
+  program.allow_windows_style_options(false);  // a path may begin with a slash
+  program.footer(
+      "Status: 0 when all went well; 1 when a file or the machine failed the command, or a check "
+      "found\n"
+      "faults; 2 when the arguments are wrong. A failure is told in one line on standard error.\n\n"
+      "Example: quillaven draw landuse.asc --legend Landuse --out landuse.png");
   AddDraw(program, draw);
   AddInfo(program, file);
   AddConvert(program, convert);
@@ -202,13 +240,17 @@ int main(int argc, char **argv) {  // NOLINT: what is thrown while options are s
   AddNetwork(program, network);
   AddTable(program, table);
 
+  auto const failArguments = [&program](std::string const &why) {
+    return Fail(why + " (" + CommandOf(program) + " --help tells more)", kBadArguments);
+  };
   try {
     program.parse(argc, argv);
-    if (program.get_subcommands().empty())
-      return Fail("a command is required (quillaven --help tells more)", kBadArguments);
+    if (program.get_subcommands().empty()) return failArguments("a command is required");
   } catch (CLI::ParseError const &e) {
     if (e.get_exit_code() == 0) return program.exit(e);
-    return Fail(std::string(e.what()) + " (quillaven --help tells more)", kBadArguments);
+    return failArguments(e.what());
+  } catch (BadArguments const &e) {
+    return failArguments(e.what());
   } catch (std::bad_alloc const &) {
     return Fail("not enough memory", kCommandFailed);
   } catch (std::exception const &e) {
@@ -219,4 +261,18 @@ int main(int argc, char **argv) {  // NOLINT: what is thrown while options are s
     return Fail("a file could not be read or written", kCommandFailed);
   }
   return 0;
+}
+
+// What is printed waits in a buffer: a disk that is full may show at the end only.
+int FinishOutput() {
+  bool const flushed = std::fflush(stdout) == 0;
+  if (flushed && std::ferror(stdout) == 0) return 0;
+  return Fail("standard output could not be written whole", kCommandFailed);
+}
+
+}  // namespace
+
+int main(int argc, char **argv) {  // NOLINT: what is thrown while options are set up ends it
+  int const status = Run(argc, argv);
+  return status == 0 ? FinishOutput() : status;
 }

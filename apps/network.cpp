@@ -110,6 +110,14 @@ void ReportNetwork(NetworkOptions const &options) {
   for (std::string line; std::getline(report, line);) std::printf("%s\n", line.c_str());
 }
 
+void DescribeNetwork(std::string const &file) {
+  Console const console(HelpDirectory(""));
+  CNetwork network;
+  ReadNetwork(console, network, file);
+  Used const used = CountUsed(network);
+  std::printf("Network\nnodes     %lu\nlinks     %lu\n", used.nodes, used.links);
+}
+
 void ReplayYears(NetworkOptions const &options) {
   RequireReadable(options.definitions);
   Console const console(HelpDirectory(""));
@@ -117,8 +125,11 @@ void ReplayYears(NetworkOptions const &options) {
   std::string const base = std::filesystem::absolute(options.definitions).string();
   network.LoadTemporalDataDefinition(options.definitions.c_str(), base.c_str());
   console.ThrowIfBoxShown();
-  std::set<int> const years =
-      options.year ? std::set<int>{*options.year} : YearsIn(options.definitions);
+  std::set<int> const told = YearsIn(options.definitions);
+  if (options.year && !told.empty() && *options.year < *told.begin())
+    std::fprintf(stderr, "quillaven: warning: '%s' begins with the year %d\n",
+                 options.definitions.c_str(), *told.begin());
+  std::set<int> const years = options.year ? std::set<int>{*options.year} : told;
   for (int const year : years) {
     bool const loaded = network.LoadTemporalData(year);
     console.ThrowIfBoxShown();

@@ -23,6 +23,8 @@ void ImportNetwork(NetworkOptions const &options);
 void ExportNetwork(NetworkOptions const &options);
 /// Prints or writes the report on a network.
 void ReportNetwork(NetworkOptions const &options);
+/// Prints how much a network file holds.
+void DescribeNetwork(std::string const &file);
 /// Replays the years of a definitions file, or one of them, and prints what each holds.
 void ReplayYears(NetworkOptions const &options);
 /// Prints the node and the link nearest to a position.

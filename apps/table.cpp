@@ -147,8 +147,8 @@ void TableEval(TableOptions const &options) {
 }
 
 void TablePlot(TableOptions const &options) {
-  CSpline table = ReadTable(options.file, options.table).table;
   auto const canvas = MakeCanvas(options.out, Plot::kWidth, Plot::kHeight);
+  CSpline table = ReadTable(options.file, options.table).table;
   Plot(table, *canvas).Draw();
   canvas->Save(options.out);
 }

@@ -47,7 +47,7 @@ bool EditInWindow(CSpline &table) {
 }
 #else
 bool EditInWindow(CSpline & /*table*/) {
-  throw Failure("there is no display to edit a table on: this program was built without wxWidgets");
+  throw Failure("there is no display to edit a table on: this program was built without windows");
 }
 #endif
 
@@ -70,14 +70,30 @@ void WriteBytes(std::string const &file, std::string const &bytes, std::string c
   if (!stream) throw Failure("cannot write '" + file + "': " + std::strerror(errno) + advice);
 }
 
-// Another program may have written the file while the window was open. Neither work is lost.
-void WriteBeside(std::string const &file, std::string const &bytes) {
-  std::string const other = file + ".edited";
-  WriteBytes(other, bytes, "");
-  throw Failure("'" + file +
-                "' has changed while its table was edited; it stays as it is now, and "
-                "the file with the edited table is '" +
-                other + "'");
+// What was edited is not lost when its file cannot have it: it goes beside the file, or else where
+// temporary files are.
+[[noreturn]] void WriteElsewhere(std::string const &file, std::string const &bytes,
+                                 std::string const &why) {
+  std::string other = file + ".edited";
+  try {
+    WriteBytes(other, bytes, "");
+  } catch (Failure const &) {
+    namespace fs = std::filesystem;
+    other = (fs::temp_directory_path() / fs::path(SystemPath(other)).filename()).string();
+    WriteBytes(other, bytes, " (" + why + ")");
+  }
+  throw Failure(why + "; the file with the edited table is '" + other + "'");
+}
+
+// The path of the backup.
+std::string WriteBack(std::string const &file, std::string const &bytes) {
+  try {
+    std::string const backup = KeepBackup(file);
+    WriteBytes(file, bytes, ", the old file is " + backup);
+    return backup;
+  } catch (Failure const &failure) {
+    WriteElsewhere(file, bytes, failure.what());
+  }
 }
 
 void RequireWhole(TableInFile const &found, TableOptions const &options) {
@@ -103,9 +119,12 @@ void TableEdit(TableOptions const &options) {
   }
   std::string const lines = TextOfTable(found);
   std::string const edited = found.before + lines + found.behind;
-  if (BytesOf(options.file) != bytes) WriteBeside(options.file, edited);
-  std::string const backup = KeepBackup(options.file);
-  WriteBytes(options.file, edited, ", the old file is " + backup);
+  // Another program may have written the file while the window was open. Neither work is lost.
+  if (BytesOf(options.file) != bytes)
+    WriteElsewhere(
+        options.file, edited,
+        "'" + options.file + "' has changed while its table was edited; it stays as it is now");
+  std::string const backup = WriteBack(options.file, edited);
   std::printf("%s: table %d written, the old file is %s\n", options.file.c_str(), options.table,
               backup.c_str());
   if (!found.tagged && !found.table.TableLinear())

@@ -4,10 +4,12 @@
   doc_examples_test.py SOURCE-FOLDER LIBRARY PROGRAM COMPILER [FLAGS]
 
 Blocks marked cpp are whole programs. Lines of blocks marked sh are commands: those of the program are
-run, and scripts must be there. What waits for a user at a screen is built, but not run. Blocks without
-a mark are contents of files, which other tests look at.
+run, scripts, presets and targets must be there, and any other command fails the test. What waits for a
+user at a screen is built, or run up to its window. Blocks without a mark are contents of files, which
+other tests look at.
 """
 
+import json
 import os
 import re
 import shutil
@@ -16,6 +18,7 @@ import sys
 import tempfile
 
 source, library, program, compiler = sys.argv[1:5]
+build = os.path.dirname(os.path.dirname(library))
 flags = " ".join(sys.argv[5:]).split()
 pages = ["README.md", "CONTRIBUTING.md"]
 for folder, _, names in os.walk(os.path.join(source, "docs")):
@@ -53,19 +56,52 @@ def build_and_run(where, code):
     run(where, ["./example"])
 
 
+def expect_no_display(where, command):
+    """What waits for a user runs up to the window, which cannot open."""
+    plain = {name: value for name, value in os.environ.items() if name not in ("DISPLAY", "WAYLAND_DISPLAY")}
+    done = subprocess.run(command, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, env=plain)
+    if done.returncode != 1 or b"there is no display to edit a table on" not in done.stdout:
+        fail(where, f"status {done.returncode} of {command}\n{done.stdout.decode(errors='replace')}")
+
+
+def require_preset(where, name):
+    with open(os.path.join(source, "CMakePresets.json"), encoding="utf-8") as file:
+        presets = json.load(file)["configurePresets"]
+    if name not in [preset["name"] for preset in presets if not preset.get("hidden")]:
+        fail(where, f"there is no preset '{name}'")
+
+
+def run_command(where, words):
+    if words[:3] == ["quillaven", "table", "edit"]:
+        expect_no_display(where, [program, *words[1:]])
+    elif words[0] == "quillaven":
+        run(where, [program, *words[1:]])
+    elif words[0].startswith(("scripts/", "tests/")):
+        if not os.access(os.path.join(source, words[0]), os.X_OK):
+            fail(where, f"there is no {words[0]}")
+    elif words[:2] == ["cmake", "--preset"] and len(words) == 3:
+        require_preset(where, words[2])
+    elif words[:2] == ["ninja", "-C"] and len(words) >= 3 and words[2].startswith("build/"):
+        require_preset(where, words[2].removeprefix("build/"))
+        for target in words[3:]:
+            run(where, ["ninja", "-C", build, "-t", "query", target])
+    elif words[0].startswith("build/") and words[0].count("/") == 2:
+        _, preset, target = words[0].split("/")
+        require_preset(where, preset)
+        run(where, ["ninja", "-C", build, "-t", "query", target])
+    else:
+        fail(where, f"a command that this test does not know: {' '.join(words)}")
+
+
 def run_commands(where, text):
     for line in text.splitlines():
-        line = line.split("#")[0].strip()
-        if line.startswith("quillaven table edit "):
-            run(where, [program, "table", "edit", "--help"])
-        elif line.startswith("quillaven "):
-            run(where, [program, *line.split()[1:]])
-        elif line.startswith(("scripts/", "tests/")):
-            if not os.access(os.path.join(source, line.split()[0]), os.X_OK):
-                fail(where, f"there is no {line.split()[0]}")
+        for command in line.split("#")[0].split("&&"):
+            if command.split():
+                run_command(where, command.split())
+                counts["commands"] += 1
 
 
-counts = {"cpp": 0, "sh": 0}
+counts = {"cpp": 0, "sh": 0, "commands": 0}
 with tempfile.TemporaryDirectory() as folder:
     os.chdir(folder)
     for data in ("liechtenstein", "tables"):
@@ -85,4 +121,4 @@ with tempfile.TemporaryDirectory() as folder:
     os.chdir("/")
 if min(counts.values()) == 0:
     fail("the documents", f"no examples found: {counts}")
-print(f"{counts['cpp']} programs built and run, {counts['sh']} blocks of commands")
+print(f"{counts['cpp']} programs built and run, {counts['sh']} blocks of {counts['commands']} commands")

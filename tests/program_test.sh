@@ -70,7 +70,29 @@ expect_line "--legend is required" 2 draw "$small" --out a.bmp
 expect_line "--zoom" 2 draw "$small" --legend Intervals --out a.bmp --zoom 0
 expect_line "--fine" 2 draw "$small" --legend Intervals --out a.bmp --fine many
 expect_output "Usage:" --help
-expect_output "Example: quillaven draw" draw --help
+# Each help ends in an example of its own
+# subcommands ARGUMENT...: what the help of a command lists.
+subcommands() { "$program" "$@" --help | sed -n '/^Subcommands:/,/^$/s/^  \([a-z]*\) .*/\1/p'; }
+walked=0
+# walk ARGUMENT...: a command and all below it.
+walk() {
+  local name
+  walked=$((walked + 1))
+  expect_output "Example: quillaven${*:+ $*} " "$@" --help
+  for name in $(subcommands "$@"); do walk "$@" "$name"; done
+}
+walk
+expect_line "(quillaven --help tells more)" 2
+expect_line "(quillaven draw --help tells more)" 2 draw
+expect_line "(quillaven table plot --help tells more)" 2 table plot "$small" --out plot.gif
+expect_line "(quillaven network import --help tells more)" 2 network import --typo
+expect_output "Status: 0 when all went well; 1 when" --help
+expect_output "--zoom INT:INT in [1 - 64]=1" draw --help
+expect_output "--fine INT:INT in [1 - 1024]=1" draw --help
+expect_output "--saturation INT:INT in [0 - 252]=252" colors spread --help
+expect_output "--lightness INT:INT in [0 - 252]=126" colors spread --help
+expect_output "--table INT:INT in [1 - 1000000]=1" table eval --help
+expect_same "commands with a help" "$walked" 20
 expect_output "." --version
 
 # Files that cannot be read
@@ -94,6 +116,43 @@ checks=$((checks + 1))
 "$program" draw "$small" --legend Intervals --help-dir "$help_dir" --zoom 2 --out small.bmp || fail "draw"
 expect_same "size of a small bitmap" "$(stat -c %s small.bmp)" "$((1078 + 4 * 8))"
 expect_output "width     6" info small.bmp
+# A PNG is as large and of the same colours; a picture of another kind is refused
+expect_line "'a.jpg' ends in neither .bmp nor .png" 2 draw "$small" --legend Intervals --help-dir "$help_dir" --out a.jpg
+expect_line "'a' ends in neither .bmp nor .png" 2 draw "$small" --legend Intervals --help-dir "$help_dir" --out a
+expect_line "cannot write 'nowhere/a.png': No such file or directory" 1 draw "$small" --legend Intervals \
+  --help-dir "$help_dir" --out nowhere/a.png
+expect_same "no file is left of all that" "$(ls a a.* 2>/dev/null)" ""
+checks=$((checks + 1))
+"$program" draw "$small" --legend Intervals --help-dir "$help_dir" --zoom 2 --out small.PNG || fail "draw to PNG"
+expect_same "start of a drawn PNG" "$(head -c 8 small.PNG | od -An -tx1 | tr -d ' \n')" "89504e470d0a1a0a"
+expect_same "its width and height" "$(tail -c +17 small.PNG | head -c 8 | od -An -tx1 | tr -d ' \n')" "0000000600000004"
+if command -v python3 > /dev/null; then
+  expect_same "colours of the PNG" "$(python3 - small.bmp small.PNG <<'EOF'
+import struct, sys, zlib
+
+bmp, png = (open(name, "rb").read() for name in sys.argv[1:])
+start, width, height = (struct.unpack_from("<I", bmp, at)[0] for at in (10, 18, 22))
+stride = (width + 3) // 4 * 4
+drawn = [[bmp[54 + 4 * bmp[start + (height - 1 - y) * stride + x] :][2::-1] for x in range(width)] for y in range(height)]
+at, packed = 8, b""
+while at < len(png):
+    size = struct.unpack_from(">I", png, at)[0]
+    if png[at + 4 : at + 8] == b"IDAT":
+        packed += png[at + 8 : at + 8 + size]
+    at += size + 12
+raw, rows, before = zlib.decompress(packed), [], bytes(3 * width)
+for y in range(height):
+    line, row = raw[y * (3 * width + 1) : (y + 1) * (3 * width + 1)], bytearray()
+    for i, value in enumerate(line[1:]):
+        a, b, c = (row[i - 3] if i > 2 else 0), before[i], (before[i - 3] if i > 2 else 0)
+        paeth = min((abs(b - c), 0, a), (abs(a - c), 1, b), (abs(a + b - 2 * c), 2, c))[2]
+        row.append((value + (0, a, b, (a + b) // 2, paeth)[line[0]]) & 255)
+    before = bytes(row)
+    rows.append([before[3 * x : 3 * x + 3] for x in range(width)])
+print("the same" if rows == drawn and len({c for r in rows for c in r}) > 1 else (rows, drawn))
+EOF
+)" "the same"
+fi
 # A last line without a line feed is drawn all the same
 head -c -1 "$small" > open.asc
 checks=$((checks + 1))
@@ -119,7 +178,7 @@ expect_output "cells     float" info country-again.qmp
 expect_output "992 rows, 500 columns" convert country-again.qmp country-again.asc
 expect_same "cells of the country" "$(tail -n +7 country-again.asc | cksum)" "$(tail -n +7 "$grid" | tr -d '\r' | cksum)"
 expect_line "choose another --type" 1 convert country.qmp a.asc
-expect_line "ends in none of" 1 convert "$grid" a.tif
+expect_line "ends in none of" 2 convert "$grid" a.tif
 expect_line "--type" 2 convert "$grid" a.qmp --type double
 head -c 1000 country.qmp > cut.qmp
 expect_line "is no map file, or ends before its last cell" 1 convert cut.qmp a.asc --type byte
@@ -145,8 +204,8 @@ expect_output "type      integer, binary" info types.doc
 expect_same "short cells" "$(bytes_of types.img)" " 1 0 44 1 254 255 "
 expect_output "1 rows, 3 columns" convert types.img types.qmp --type short
 expect_output "cells     short" info types.qmp
-expect_line "--as-byte is for float cells" 1 convert types.asc types.doc --type short --as-byte
-expect_line "--as-byte is for float cells" 1 convert types.asc types.asc.qmp --as-byte
+expect_line "--as-byte is for float cells" 2 convert types.asc types.doc --type short --as-byte
+expect_line "--as-byte is for float cells" 2 convert types.asc types.asc.qmp --as-byte
 
 # Pairs that are not read, and sizes without cells
 # pair NAME FIELD VALUE...: the pair types.doc and .img under another name, with other values.
@@ -217,6 +276,28 @@ expect_line "'late.qmp' could not be written whole" 1 convert "$grid" late.qmp
 expect_line "cannot write 'late.doc'" 1 convert "$grid" late.doc
 program=$plain_program
 
+# So is standard output, for all that prints
+if [ -e /dev/full ]; then
+  tables=$source/data/tables
+  "$program" network import "$source/data/liechtenstein/net3.txt" --type 3 --out full.bin > out.txt || fail "network import"
+  while read -r arguments; do
+    checks=$((checks + 1))
+    eval "\"\$program\" $arguments" > /dev/full 2> err.txt
+    expect_same "status of $arguments to a full disk" $? 1
+    expect_same "its line" "$(cat err.txt)" "quillaven: standard output could not be written whole"
+  done <<'EOF'
+--help
+--version
+info "$small"
+colors spread 6
+colors spread 100000
+table eval "$tables/demand.txt" 1995
+network report full.bin
+network check full.bin
+convert "$small" full-disk.qmp
+EOF
+fi
+
 # Colours
 expect_output "    1  255 255   0" colors spread 6
 expect_output "    0  200  30  30" colors brighten 200 30 30 --factor 0.6
@@ -245,7 +326,12 @@ expect_same "railways read and written" "$(cksum < rails.txt)" "$(cksum < "$coun
 expect_output "from node 630 to 631, id 251, type 2" network nearest country.bin 540000 5222000
 expect_output "2000: 3 nodes, 2 links" network years "$help_dir/network-years.txt"
 expect_output "1997: 2 nodes, 2 links" network years "$help_dir/network-years.txt" --year 1997
-expect_line "ubcommand is required" 2 network
+checks=$((checks + 1))
+"$program" network years "$help_dir/network-years.txt" --year 1980 > out.txt 2> err.txt || fail "a year before the first"
+expect_same "the warning of a year before the first" "$(cat err.txt)" \
+  "quillaven: warning: '$help_dir/network-years.txt' begins with the year 1990"
+expect_output "1990: " network years "$help_dir/network-years.txt" --year 1990
+expect_line "ubcommand is required (quillaven network --help tells more)" 2 network
 expect_line "--type" 2 network import rails.txt --type 256 --out a.bin
 expect_line "cannot open 'none.txt': No such file or directory" 1 network import none.txt --type 1 --out a.bin
 expect_line "Id of vector expected" 1 network import "$small" --type 1 --out a.bin
@@ -320,7 +406,8 @@ expect_same "years of a list without a last line break" "$(wc -l < out.txt)" 1
 # The demo, twice, with the same bytes
 expect_output "all 496000 cells agree" demo --out first
 expect_same "files of the demo" "$(ls first | wc -l)" 54
-untimed() { sed 's/, [0-9.]* s$//' "$1"; }  # times differ from run to run
+# Times differ from run to run.
+untimed() { sed 's/, [0-9.]* s$//' "$1"; }
 untimed out.txt | sed 's/first/second/' > first.txt
 expect_output "11  water                         2448 cells" demo --out second
 expect_same "roads of the network" "$(grep -c "Other roads              21218 links of 4451 polylines" out.txt)" 1
@@ -328,8 +415,20 @@ expect_same "one-way roads" "$(grep -c "306 links are one-way, of 81 polylines" 
 expect_same "the year 1995, forward and back" "$(grep -c "1995  planned  0, roads 21234, railways 266" out.txt)" 2
 expect_same "what it prints" "$(untimed out.txt)" "$(cat first.txt)"
 expect_same "settlements after nine years" "$(grep -c "residential cells: 16031 and 16031" out.txt)" 1
+expect_same "the last line" "$(tail -n 1 out.txt)" "Open this page in a browser: $PWD/second/index.html"
 checks=$((checks + 1))
 diff -r first second || fail "the demo writes other bytes the second time"
+for year in 1995 2000; do
+  checks=$((checks + 1))
+  ! cmp -s first/network-1990.png "first/network-$year.png" || fail "the network of $year is that of 1990"
+done
+expect_output "with seed 7" demo --seed 7 --out third
+checks=$((checks + 1))
+! cmp -s first/growth-2003.bmp third/growth-2003.bmp || fail "another seed gives the same years"
+checks=$((checks + 1))
+last_step=$(script -qec "'$program' demo --out third" /dev/null | grep -ao '\[[0-9]*/[0-9]*\]' | tail -n 1)
+[[ "$last_step" =~ ^\[([0-9]+)/([0-9]+)\]$ && "${BASH_REMATCH[1]}" = "${BASH_REMATCH[2]}" ]] ||
+  fail "the progress of the demo ends at $last_step"
 expect_line "cannot make folder" 1 demo --out small.bmp/under-a-file
 
 # Function tables
@@ -343,7 +442,7 @@ expect_line "--to" 2 table convert "$tables/step.txt" --to other --out a.txt
 expect_line "cannot open 'none.txt': No such file or directory" 1 table eval none.txt 1
 expect_line "holds no function table" 1 table eval empty.asc 1
 expect_line "holds no table number 2" 1 table eval "$tables/demand.txt" --table 2 1
-expect_line "ends in none of .svg, .bmp and .png" 1 table plot "$tables/demand.txt" --out plot.gif
+expect_line "ends in none of .svg, .bmp and .png" 2 table plot "$tables/demand.txt" --out plot.gif
 expect_line "cannot write 'nowhere/a.svg': No such file or directory" 1 table plot "$tables/step.txt" \
   --out nowhere/a.svg
 printf '0\t1\t3\nx\t0\tnan\t1\ny\t0\t0\t0\n' > nan.txt
@@ -362,7 +461,11 @@ display=${DISPLAY:-}
 unset DISPLAY WAYLAND_DISPLAY
 cp "$tables/step.txt" edited.txt
 expect_line "there is no display to edit a table on" 1 table edit edited.txt
+expect_line "holds no table number 2" 1 table edit edited.txt --table 2
 expect_line "holds no table number 2" 1 table edit edited.txt --number 2
+expect_line "excludes" 2 table edit edited.txt --number 2 --table 2
+checks=$((checks + 1))
+"$program" table edit --help | grep -q -- --number && fail "the older name of --table is shown"
 expect_same "the table" "$(cksum < edited.txt)" "$(cksum < "$tables/step.txt")"
 expect_same "no backup" "$(ls edited.txt.bak 2>/dev/null)" ""
 [ -z "$display" ] || export DISPLAY=$display
@@ -379,6 +482,49 @@ grep -q '>2010</text>' plot.svg || fail "the axis of x has no numbers"
 expect_same "size of the bitmap" "$(stat -c %s plot.bmp)" "$((54 + 800 * 3 * 500))"
 expect_same "start of the PNG" "$(head -c 8 plot.png | od -An -tx1 | tr -d ' \n')" "89504e470d0a1a0a"
 expect_output "width     800" info plot.bmp
+
+# Info knows what the program writes, and names the file of a user where it does not
+expect_output "height    500" info plot.png
+expect_output "bits      8 a channel" info plot.png
+head -c 20 plot.png > cut.png
+expect_line "PNG 'cut.png' ends within its header" 1 info cut.png
+expect_output "points    8" info "$tables/demand.txt"
+expect_output "between   a spline" info "$tables/demand.txt"
+expect_output "between   straight lines" info "$tables/distance-decay.txt"
+expect_output "form      compact" info "$tables/step.txt"
+expect_output "Network" info country.bin
+expect_same "what a network holds" "$(tail -n 1 out.txt)" "links     21500"
+expect_line "'cut.bin' ends before its last record" 1 info cut.bin
+printf '<html>text</html>\n' > page.html
+expect_line "'page.html' is of no kind that is known here; as a legend: contains bad char at column 1: '<html>" 1 \
+  info page.html
+expect_line "'plot.svg' is of no kind" 1 info plot.svg
+checks=$((checks + 1))
+grep -q 'legend.txt' err.txt && fail "the copy of a file is named: $(cat err.txt)"
+printf 'Version 2\nNClasses many\n' > bad-legend.txt
+expect_line "'bad-legend.txt' is of no kind that is known here; as a legend: version 2 Legend: 'NClasses" 1 \
+  info bad-legend.txt
+
+# Completion in bash: what the help lists, and files elsewhere
+. "$source/apps/completion/quillaven"
+# completed WORD...: what the last word may become, in one line.
+completed() {
+  COMP_WORDS=("$program" "$@")
+  COMP_CWORD=$#
+  _quillaven
+  printf '%s\n' "${COMPREPLY[@]}" | LC_ALL=C sort | tr '\n' ' '
+}
+expect_same "the function for the program" "$(complete -p quillaven)" "complete -F _quillaven quillaven"
+expect_same "completed commands" "$(completed c)" "colors convert "
+expect_same "all commands" "$(completed "")" "$(subcommands | LC_ALL=C sort | tr '\n' ' ')"
+expect_same "commands of a group" "$(completed network ne)" "nearest "
+expect_same "options of a command" "$(completed draw "$small" --)" \
+  "--fine --help --help-dir --legend --out --stamp --zoom "
+expect_same "options of a command in a group" "$(completed table plot --t)" "--table "
+expect_same "options of the program" "$(completed --v)" "--version "
+expect_same "files" "$(completed draw smal)" "small.PNG small.bmp "
+expect_same "files behind an option" "$(completed draw "$small" --out small.b)" "small.bmp "
+expect_same "nothing" "$(completed colors zzz)" " "
 
 echo "$checks checks, $failures failures"
 [ "$failures" -eq 0 ]

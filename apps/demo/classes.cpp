@@ -50,12 +50,3 @@ long long CountDifferences(CMultiScaleByteMatrix const &a, CMultiScaleByteMatrix
     for (int col = 0; col < a.NCols(); ++col) different += a.At(row, col) != b.At(row, col);
   return different;
 }
-
-long long StoredCells(CMultiScaleByteMatrix &raster) {
-  long long stored = 0;
-  int const width = raster.W();
-  for (int row = 0; row < raster.NRows(); row += width)
-    for (int col = 0; col < raster.NCols(); col += width)
-      stored += 1 + (width > 1 && raster.FineCell(row, col) ? width * width : 0);
-  return stored;
-}

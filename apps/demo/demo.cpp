@@ -5,7 +5,7 @@
 #include "apps/files.h"
 
 void Demo(DemoOptions const &options) {
-  constexpr int kSteps = 26;
+  constexpr int kSteps = 32;
   std::string const data = HelpDirectory("");
   RequireGrid(data + "/liechtenstein/landuse.asc");
   Console const console(data);
@@ -14,9 +14,9 @@ void Demo(DemoOptions const &options) {
 
   TellLandUse(data, output, progress);
   console.ThrowIfBoxShown();
-  std::string const networkYears = TellRoads(data, output);
+  std::string const networkYears = TellRoads(data, output, progress);
   console.ThrowIfBoxShown();
-  TellGrowth(data, networkYears, output, progress);
+  TellGrowth(data, networkYears, options.seed, output, progress);
   console.ThrowIfBoxShown();
 
   output.WritePage();

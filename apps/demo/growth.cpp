@@ -11,7 +11,9 @@
 #include <array>
 #include <chrono>
 #include <cstdio>
+#include <filesystem>
 #include <random>
+#include <string>
 #include <vector>
 
 #include "apps/commands.h"
@@ -21,7 +23,6 @@ namespace {
 
 constexpr int kFirstYear = 1995;
 constexpr int kLastYear = 2003;
-constexpr unsigned kSeed = 1995;
 constexpr int kReach = 8;                // cells that a settlement is felt across
 constexpr double kReachOfRoads = 250;    // metres from a road
 constexpr double kDwellingsOnACell = 6;  // 25 m by 25 m
@@ -131,8 +132,8 @@ CMultiScaleByteMatrix PatternOf(CMultiScaleByteMatrix const &land) {
 // One run of the rule over all years, at one scale or at two.
 class Growth {
  public:
-  Growth(std::string const &data, std::string const &networkYears, int width)
-      : m_width(width), m_demand(ReadTable(data + "/tables/demand.txt")), m_random(kSeed) {
+  Growth(std::string const &data, std::string const &networkYears, unsigned int seed, int width)
+      : m_width(width), m_demand(ReadTable(data + "/tables/demand.txt")), m_random(seed) {
     CSpline decay = ReadTable(data + "/tables/distance-decay.txt");
     m_neighbours = NeighboursByDistance(decay);
     m_network.LoadTemporalDataDefinition(networkYears.c_str(), networkYears.c_str());
@@ -159,7 +160,8 @@ class Growth {
     MultiScaleFloatMatrixEvalMapFunc(m_attraction, attraction);
     int const built = Build(Candidates(), Demand(year));
     evaluations += attraction.evaluations;
-    seconds += std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    lastSeconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    seconds += lastSeconds;
     return built;
   }
 
@@ -168,6 +170,17 @@ class Growth {
 
   long long evaluations = 0;
   double seconds = 0;
+  double lastSeconds = 0;  // of the year grown last
+
+  // What the rasters take: the land use, the attraction, and at two scales the pattern of blocks.
+  long long CellBytes() {
+    long long const pattern = m_width > 1 ? StoredCells(m_pattern) : 0;
+    return StoredCells(m_land) + 4 * StoredCells(m_attraction) + pattern;
+  }
+  long long IndexBytesOfAll() const {
+    long long const pattern = m_width > 1 ? IndexBytes(m_pattern) : 0;
+    return IndexBytes(m_land) + IndexBytes(m_attraction) + pattern;
+  }
 
  private:
   // Blocks follow the settlements; the cells of a block that is refined begin with its value.
@@ -288,29 +301,64 @@ PixelPicture DrawWhenBuilt(CByteMatrixBaseMap &map,
   return picture;
 }
 
-// Roads in red and railways in black over paled land use.
+// A link as a line of dots, SIDE pixels wide.
+void DrawLink(PixelPicture &picture, CPoint a, CPoint b, unsigned int color, int side) {
+  int const steps = std::max(std::abs(b.x - a.x), std::abs(b.y - a.y)) / kCellSize + 1;
+  for (int step = 0; step <= steps; ++step) {
+    int const x = a.x + (b.x - a.x) * step / steps - kWest;
+    int const y = a.y + (b.y - a.y) * step / steps - kSouth;
+    if (x < 0 || y < 0) continue;
+    int const left = x / kCellSize;
+    int const top = picture.height - 1 - y / kCellSize;
+    for (int row = std::max(top, 0); row < std::min(top + side, picture.height); ++row)
+      for (int col = left; col < std::min(left + side, picture.width); ++col)
+        picture.At(col, row) = color;
+  }
+}
+
+// Roads in red over paled land use; above them railways in black and what is planned in blue.
 PixelPicture DrawNetwork(CByteMatrixBaseMap &map, CNetwork &network) {
-  constexpr unsigned int kRoads = 0xC0392B;
-  constexpr unsigned int kRailways = 0x000000;
-  constexpr unsigned int kRailway = 3;
+  struct Look {
+    unsigned int type;
+    unsigned int color;
+    int side;
+  };
   PixelPicture picture = PaleLandUse(map);
-  for (unsigned long i = 1; i < network.LinkCount(); ++i) {
-    CNetwork::CLink const *link = network.GetLink(i);
-    if (CNetwork::IsUnused(link)) continue;
-    CNetwork::CNode const *a = network.GetNode(link->from);
-    CNetwork::CNode const *b = network.GetNode(link->to);
-    int const steps =
-        static_cast<int>(std::max(std::abs(b->x - a->x), std::abs(b->y - a->y)) / kCellSize) + 1;
-    for (int step = 0; step <= steps; ++step) {
-      double const x = a->x + (b->x - a->x) * step / steps;
-      double const y = a->y + (b->y - a->y) * step / steps;
-      int const col = static_cast<int>((x - kWest) / kCellSize);
-      int const row = map.NRows() - 1 - static_cast<int>((y - kSouth) / kCellSize);
-      if (x >= kWest && y >= kSouth && col < map.NCols() && row >= 0)
-        picture.At(col, row) = link->type == kRailway ? kRailways : kRoads;
+  for (Look const look : {Look{2, 0xC0392B, 1}, Look{3, 0x000000, 4}, Look{0, 0x1F5FFF, 6}}) {
+    for (unsigned long i = 1; i < network.LinkCount(); ++i) {
+      CNetwork::CLink const *link = network.GetLink(i);
+      if (CNetwork::IsUnused(link) || link->type != look.type) continue;
+      CNetwork::CNode const *a = network.GetNode(link->from);
+      CNetwork::CNode const *b = network.GetNode(link->to);
+      DrawLink(picture, {static_cast<int>(a->x), static_cast<int>(a->y)},
+               {static_cast<int>(b->x), static_cast<int>(b->y)}, look.color, look.side);
     }
   }
   return picture;
+}
+
+void TellNetworkYears(CByteMatrixBaseMap &map, CNetwork &network, Output &output) {
+  output.Chapter(
+      "5. A network that changes from year to year",
+      "Roads (red) and railways (black, bold) are one network of nodes and links, joined from "
+      "four files and asked for the nearest road of each cell above. A year is stored as what "
+      "changes in it, and any year can be loaded, forward and back. The real network stands for "
+      "1990; two changes are invented: in 1995 the planned links (blue) are roads, and in "
+      "2000 the railways are gone. Below is what the report on the network found.");
+  std::vector<std::vector<std::string>> rows{{"links in", "planned", "roads", "railways"}};
+  for (int const year : {1990, 1995, 2000}) {
+    std::string const text = std::to_string(year);
+    if (!network.LoadTemporalData(year)) throw Failure("a file of the network's years ends early");
+    std::array<int, 256> links{};
+    for (unsigned long i = 1; i < network.LinkCount(); ++i)
+      if (!CNetwork::IsUnused(network.GetLink(i))) ++links.at(network.GetLink(i)->type);
+    rows.push_back(
+        {text, std::to_string(links[0]), std::to_string(links[2]), std::to_string(links[3])});
+    output.AddPicture(DrawNetwork(map, network), "network-" + text,
+                      text + ": " + std::to_string(links[0]) + " planned links, " +
+                          std::to_string(links[3]) + " links of railways");
+  }
+  output.Table(rows);
 }
 
 // Cells that differ where the second raster is fine.
@@ -322,18 +370,47 @@ long long CountInFineBlocks(CMultiScaleByteMatrix const &one, CMultiScaleByteMat
   return count;
 }
 
-void TellComparison(Growth &two, std::string const &data, std::string const &networkYears) {
-  Growth one(data, networkYears, 1);
-  for (int year = kFirstYear; year <= kLastYear; ++year) one.GrowTo(year);
+void TellComparison(Growth &two, std::string const &data, std::string const &networkYears,
+                    unsigned int seed, Output &output, Progress &progress) {
+  progress.Step("preparing one scale");
+  Growth one(data, networkYears, seed, 1);
+  for (int year = kFirstYear; year <= kLastYear; ++year) {
+    progress.Step("growing to " + std::to_string(year) + " at one scale");
+    one.GrowTo(year);
+  }
+  progress.Clear();
   std::printf("\nThe same years at one scale and at two\n");
-  for (Growth *run : {&one, &two})
-    std::printf("  blocks of %d x %d: %7lld stored cells, %8lld evaluations, %.2f s\n",
-                run->Land().W(), run->Land().W(), StoredCells(run->Land()), run->evaluations,
-                run->seconds);
+  output.Chapter(
+      "6. Was it worth two scales?",
+      "The same years, worked out for every cell and for blocks. Times depend on the machine; "
+      "the demo prints them on the terminal. The bytes are those of all rasters of a run: land "
+      "use, attraction, and the pattern of fine blocks.");
+  std::vector<std::vector<std::string>> rows{
+      {"", "evaluations of the rule", "bytes of cells", "bytes of index", "residential cells"}};
+  for (Growth *run : {&one, &two}) {
+    std::printf(
+        "  blocks of %d x %d: %7lld stored cells, %7lld bytes of cells, %6lld of index, "
+        "%7lld evaluations, %.2f s\n",
+        run->Land().W(), run->Land().W(), StoredCells(run->Land()), run->CellBytes(),
+        run->IndexBytesOfAll(), run->evaluations, run->seconds);
+    rows.push_back({run == &one ? "at one scale" : "at two scales",
+                    std::to_string(run->evaluations), std::to_string(run->CellBytes()),
+                    std::to_string(run->IndexBytesOfAll()),
+                    std::to_string(CountClass(run->Land(), kResidential))});
+  }
+  long long const different = CountDifferences(one.Land(), two.Land());
+  long long const inFine = CountInFineBlocks(one.Land(), two.Land());
   std::printf(
       "  %lld cells differ, %lld of them in fine blocks; residential cells: %lld and %lld\n",
-      CountDifferences(one.Land(), two.Land()), CountInFineBlocks(one.Land(), two.Land()),
-      CountClass(one.Land(), kResidential), CountClass(two.Land(), kResidential));
+      different, inFine, CountClass(one.Land(), kResidential),
+      CountClass(two.Land(), kResidential));
+  output.Table(rows);
+  output.Lines({std::to_string(different) +
+                    " cells differ in the end, nearly all because a coarse block "
+                    "holds one class from the start.",
+                "Only " + std::to_string(inFine) +
+                    " of them lie in fine blocks, where settlements grow: "
+                    "the result that is looked for is nearly the same."});
 }
 
 // The part of the country with its largest settlements, for the pictures of the years.
@@ -346,62 +423,114 @@ CRect Valley() {
   return part;
 }
 
-}  // namespace
+// What is residential now and was not before, in dark red.
+void MarkNew(PixelPicture &picture, CRect part, int zoom, CMultiScaleByteMatrix const &before,
+             CMultiScaleByteMatrix const &now) {
+  for (int y = 0; y < picture.height; ++y) {
+    for (int x = 0; x < picture.width; ++x) {
+      int const row = part.top + y / zoom;
+      int const col = part.left + x / zoom;
+      bool const isNew = now.At(row, col) == kResidential && before.At(row, col) != kResidential;
+      if (isNew) picture.At(x, y) = 0x8B0000;
+    }
+  }
+}
 
-void TellGrowth(std::string const &data, std::string const &networkYears, Output &output,
-                Progress &progress) {
-  progress.Step("preparing the years");
-  Growth growth(data, networkYears, kBlockWidth);
-  CByteMatrixBaseMap map;
-  AttachLandUse(map, growth.Land());
-  progress.Clear();
+void TellRule(unsigned int seed, Output &output) {
+  output.Chapter("3. Settlements that grow",
+                 "Where will people build? The rule is simple, and stands in a file of the demo. "
+                 "Seed of the chance: " +
+                     std::to_string(seed) + ".");
+  output.Lines({
+      "Only open land can become residential: fields, meadows, vineyards, and land not mapped.",
+      "Each cell is drawn to the settled cells within 8 cells (200 m) of it: their worth "
+      "(dwellings 1, public "
+      "facilities 0.8, green 0.5, industry 0.3), weighted by distance through a function table.",
+      "Chance shakes the attraction of a cell by up to a fifth, from a seed, so that a run can be "
+      "repeated.",
+      "The most attractive cells within 250 m of a road are built on first, six dwellings to a "
+      "cell, until "
+      "the demand of the year is met, which a second function table tells.",
+  });
+}
+
+void TellYears(Growth &growth, CByteMatrixBaseMap &map, Output &output, Progress &progress) {
+  constexpr int kZoom = 2;
   std::printf("\nSettlements that grow from %d to %d\n", kFirstYear - 1, kLastYear);
-  std::printf("  year   built   residential   stored cells\n");
-  output.Chapter(
-      "Settlements that grow",
-      "A seeded rule: open land becomes residential near what attracts it and within reach "
-      "of a road. It is worked out for each cell near settlements, and once for each block "
-      "elsewhere.");
-
+  std::printf(
+      "  year   built   residential   not mapped   arable   vineyard   meadow   stored, time\n");
+  std::vector<std::vector<std::string>> rows{{"year", "built", "residential", "not mapped",
+                                              "arable", "vineyard", "meadow", "stored cells"}};
   std::string const name = "growth-";
   std::vector<CMultiScaleByteMatrix> years;
   for (int year = kFirstYear - 1; year <= kLastYear; ++year) {
     progress.Step("growing to " + std::to_string(year));
     int const built = year < kFirstYear ? 0 : growth.GrowTo(year);
     std::string const text = std::to_string(year);
+    std::vector<std::string> row{text, std::to_string(built)};
+    for (int const value : {1, 0, 5, 6, 7})
+      row.push_back(std::to_string(CountClass(growth.Land(), static_cast<unsigned char>(value))));
+    row.push_back(std::to_string(StoredCells(growth.Land())));
     progress.Clear();
-    std::printf("  %d   %5d   %11lld   %12lld\n", year, built,
-                CountClass(growth.Land(), kResidential), StoredCells(growth.Land()));
+    std::printf("  %s   %5s   %11s   %10s   %6s   %8s   %6s   %6s, %.2f s\n", row[0].c_str(),
+                row[1].c_str(), row[2].c_str(), row[3].c_str(), row[4].c_str(), row[5].c_str(),
+                row[6].c_str(), row[7].c_str(), growth.lastSeconds);
+    rows.push_back(row);
     StoreMap(map, output.Add(name + text + ".qmp"));
-    output.Draw(map, name + text, 2, Valley(), text, text);
+    PixelPicture picture = output.Draw(map, name + text, kZoom, Valley(), text);
     years.push_back(growth.Land());
+    MarkNew(picture, Valley(), kZoom, years.front(), years.back());
+    bool const shown = (kLastYear - year) % 3 == 0;
+    std::string const since = "; built since " + std::to_string(kFirstYear - 1) + ": dark red";
+    output.AddPicture(picture, name + text, shown ? text + (years.size() > 1 ? since : "") : "");
   }
+  output.Table(rows);
+  output.AddPicture(
+      DrawWhenBuilt(map, years), "growth",
+      "The whole country: built from yellow in the first year to dark red in the last");
+}
+
+void TellTables(std::string const &data, Output &output) {
+  struct Plot {
+    char const *table;
+    char const *caption;
+  };
   output.Chapter(
-      "What was built, and when",
-      "Yellow in the first years, dark red in the last, over the land use in pale colours.");
-  output.AddPicture(DrawWhenBuilt(map, years), "growth", "From yellow to red: the years");
-
-  output.Draw(map, "last-year", 1, Whole(growth.Land()), "", "The country in the last year");
-
-  output.Chapter("Roads over land use", "The network of the last year: roads red, railways black.");
-  output.AddPicture(DrawNetwork(map, growth.Network()), "network", "Roads and railways");
-
-  output.Chapter(
-      "The function tables of the rule",
-      "The weight of a neighbour by its distance, and the demand that drives the years.");
-  for (char const *table : {"distance-decay", "demand"}) {
-    std::string const plot = std::string(table) + ".svg";
+      "4. The function tables of the rule",
+      "What a modeller knows as a curve stays a curve: points in a text file, joined by straight "
+      "lines or a spline, evaluated by the simulation and edited with the spline tool.");
+  for (Plot const plot :
+       {Plot{"distance-decay", "What a neighbour weighs, by its distance in cells"},
+        Plot{"demand", "The demand for dwellings, in thousands, by year"}}) {
+    std::string const file = std::string(plot.table) + ".svg";
     TableOptions options;
-    options.file = data + "/tables/" + table + ".txt";
-    options.out = output.Add(plot);
+    options.file = data + "/tables/" + plot.table + ".txt";
+    options.out = output.Add(file);
     TablePlot(options);
-    output.Show(plot, table);
+    output.Show(file, plot.caption);
   }
+}
 
-  progress.Step("comparing one scale and two");
+}  // namespace
+
+void TellGrowth(std::string const &data, std::string const &networkYears, unsigned int seed,
+                Output &output, Progress &progress) {
+  progress.Step("preparing the years");
+  Growth growth(data, networkYears, seed, kBlockWidth);
+  CByteMatrixBaseMap map;
+  AttachLandUse(map, growth.Land());
+  progress.Clear();
+  std::printf("\nThe rule of growth, with seed %u\n", seed);
+  TellRule(seed, output);
+  TellYears(growth, map, output, progress);
+
+  progress.Step("drawing tables and network");
+  TellTables(data, output);
+  TellNetworkYears(map, growth.Network(), output);
+  output.Text((std::filesystem::path(networkYears).parent_path() / "network-report.txt").string());
+
   std::string const pair = output.Add("growth.doc");
   output.Add("growth.img");
   if (map.OnFileExport(pair.c_str(), 0) == 0) throw Failure("cannot write '" + pair + "'");
-  progress.Clear();
-  TellComparison(growth, data, networkYears);
+  TellComparison(growth, data, networkYears, seed, output, progress);
 }

@@ -68,7 +68,8 @@ void PrintOneWay(CNetwork &network) {
   std::printf("  %lu links are one-way, of %zu polylines\n", links, ids.size());
 }
 
-// 1990 is the map; in 1995 what was planned is a road; in 2000 the railways are gone.
+// Years of an example: 1990 is the map; in 1995 what was planned is a road; in 2000 the railways are
+// gone.
 void PlanYears(CNetwork &network, std::string const &file) {
   network.SetDataDefYear(1990, file.c_str());
   for (unsigned long i = 1; i < network.LinkCount(); ++i) {
@@ -109,9 +110,11 @@ void PrintNearest(CNetwork &network, int x, int y) {
 
 }  // namespace
 
-std::string TellRoads(std::string const &data, Output &output) {
-  std::printf("\nRoads and railways\n");
+std::string TellRoads(std::string const &data, Output &output, Progress &progress) {
+  progress.Step("joining roads and railways");
   CNetwork network = ReadCountry(data);
+  progress.Clear();
+  std::printf("\nRoads and railways\n");
   PrintTypes(network);
 
   std::string const file = output.Add("network.bin");
@@ -122,7 +125,7 @@ std::string TellRoads(std::string const &data, Output &output) {
   std::string const report = output.Add("network-report.txt");
   if (!loaded.Report(report.c_str())) throw Failure("cannot write '" + report + "'");
 
-  std::printf("\nThree years, forward and back\n");
+  progress.Step("planning years of the network");
   PlanYears(network, file);
   // Absolute, as the names of the years' files are made relative to it.
   std::string definitions =
@@ -130,6 +133,8 @@ std::string TellRoads(std::string const &data, Output &output) {
   if (!network.SaveTemporalDataDefinition(definitions.c_str(), definitions.c_str()))
     throw Failure("cannot write '" + definitions + "'");
   output.Add("network-years_1990.bin");  // the save's copy of the year's network
+  progress.Clear();
+  std::printf("\nThree years, forward and back (the changes are invented)\n");
   Replay(definitions);
 
   std::printf("\nNearest links\n");
