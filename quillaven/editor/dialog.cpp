@@ -50,7 +50,14 @@ CDialog::CDialog(CDialogTemplate form)
 
 CDialog::~CDialog() = default;
 
+// Windows are made anew for each run, and so is what they show.
 unsigned int CDialog::DoModal() {
+  m_strTitle = m_template.title;
+  m_controls = m_template.controls;
+  m_nResult = 0;
+  m_nFocus = -1;
+  m_bCaptured = false;
+  m_bInvalid = false;
   return GetApplication().RunModal(*this);
 }
 

@@ -75,7 +75,8 @@ class QUILLAVEN_API CDialog {
   CDialog &operator=(CDialog const &) = default;
   virtual ~CDialog();
 
-  /// Runs the dialog by the application in force and returns 1 for OK, 2 for Cancel.
+  /// Runs the dialog by the application in force and returns 1 for OK, 2 for Cancel. Each run begins
+  /// with the title and the controls of the template.
   unsigned int DoModal();
 
   // What the window shows.

@@ -38,6 +38,7 @@ class SmallDialog : public CDialog {
   }
   void Hide(int id) { Changed(id).shown = false; }
   using CDialog::InvalidateRect;
+  using CDialog::Title;
   using CDialog::UpdateData;
 
   float number = 1.5F;
@@ -62,6 +63,35 @@ TEST(Dialog, OpensWithItsFieldsInTheControls) {
   EXPECT_EQ(dialog.Control(11).pixels.bottom, 40);
   EXPECT_EQ(dialog.Result(), 0U);
   EXPECT_EQ(dialog.OnQueryDragIcon(), nullptr);
+}
+
+TEST(Dialog, OpensEachTimeAsItsTemplateSays) {
+  DialogApplication application;
+  SmallDialog dialog;
+  application.scripts = {
+      [&](CDialog &) {
+        dialog.Hide(12);
+        dialog.Title("Changed");
+        dialog.Type(10, "seven");
+        dialog.InvalidateRect({0, 0, 1, 1});
+        dialog.Press(1);
+        EXPECT_EQ(application.boxes.size(), 1U);  // the focus is asked for
+        dialog.Press(2);
+      },
+      [&](CDialog &) {
+        CRect rectangle;
+        EXPECT_EQ(dialog.Result(), 0U);
+        EXPECT_EQ(dialog.Title(), "Small");
+        EXPECT_TRUE(dialog.Control(12).shown);
+        EXPECT_EQ(dialog.Control(10).text, "1.5");
+        EXPECT_EQ(dialog.Control(10).pixels.top, 20);
+        EXPECT_EQ(dialog.TakeFocusRequest(), -1);
+        EXPECT_FALSE(dialog.TakeInvalidRect(rectangle));
+        dialog.Press(1);
+      },
+  };
+  EXPECT_EQ(dialog.DoModal(), 2U);
+  EXPECT_EQ(dialog.DoModal(), 1U);
 }
 
 TEST(Dialog, CancelReadsNothing) {
