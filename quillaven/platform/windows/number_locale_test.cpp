@@ -1,5 +1,5 @@
-#include <barrier>
 #include <clocale>
+#include <future>
 #include <locale.h>
 #include <string>
 #include <thread>
@@ -44,29 +44,25 @@ TEST_F(PointLocaleHere, LeavesTheThreadInTheModeThatItHad) {
 
 // This thread begins first and ends first.
 TEST_F(PointLocaleHere, InTwoThreadsThatOverlapHoldsInBothAndGoesBack) {
-  std::barrier step(2);
+  std::promise<void> thisEnded;
+  std::promise<void> otherBegan;
   std::string inOther;
-  std::thread other([&] {
-    step.arrive_and_wait();  // this one has begun
-    {
-      PointLocale const numbers;
-      step.arrive_and_wait();  // both have
-      step.arrive_and_wait();  // this one has ended
-      inOther = Point();
-    }
-    step.arrive_and_wait();  // both have
-  });
+  std::thread other;
   {
     PointLocale const numbers;
-    step.arrive_and_wait();
-    step.arrive_and_wait();
+    other = std::thread([&] {
+      PointLocale const inner;
+      otherBegan.set_value();
+      thisEnded.get_future().wait();
+      inOther = Point();
+    });
+    otherBegan.get_future().wait();
     EXPECT_EQ(Point(), ".");
   }
-  step.arrive_and_wait();
-  step.arrive_and_wait();
+  thisEnded.set_value();
+  other.join();
   EXPECT_EQ(inOther, ".");
   EXPECT_EQ(Point(), ",");
-  other.join();
 }
 
 }  // namespace
