@@ -52,6 +52,7 @@ void Draw(DrawOptions const &options) {
   bool const isPng = IsPng(options.picture);
   std::string const helpDirectory = HelpDirectory(options.helpDirectory);
   RequireGrid(options.grid);
+  RequireOtherFile(options.grid, options.picture);
   RequireLegend(helpDirectory, options.legend);
 
   Console const console(helpDirectory);

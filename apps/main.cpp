@@ -52,13 +52,17 @@ void AddConvert(CLI::App &program, ConvertOptions &options) {
       "convert",
       "Convert a raster between grids (.asc), Idrisi pairs (.doc, .img) and maps (.qmp)");
   command->add_option("in", options.in, "The file to read")->required();
-  command->add_option("out", options.out, "The file to write")->required();
+  command->add_option("out", options.out, "The file to write, another than that")->required();
   command->add_option("--type", options.type, "Cells as float, short or byte")
       ->check(CLI::IsMember({"float", "short", "byte"}))
       ->capture_default_str();
   command->add_flag("--as-byte", options.asByte,
                     "Write an Idrisi image of float cells as bytes; with nothing else");
-  command->footer("Example: quillaven convert landuse.asc landuse.doc --type byte");
+  command->footer(
+      "Position and size of the cells are not kept: a grid is written with its corner at 0 0 and "
+      "cells "
+      "of\nsize 1, an Idrisi pair from 0 to 1, and a map has neither.\n\n"
+      "Example: quillaven convert landuse.asc landuse.doc --type byte");
   command->callback([&options] { Convert(options); });
 }
 

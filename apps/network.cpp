@@ -68,6 +68,7 @@ std::set<int> YearsIn(std::string const &file) {
 }  // namespace
 
 void ImportNetwork(NetworkOptions const &options) {
+  for (std::string const &file : options.texts) RequireOtherFile(file, options.out);
   Console console(HelpDirectory(""));
   CNetwork network;
   if (!options.network.empty()) ReadNetwork(console, network, options.network);
@@ -88,6 +89,7 @@ void ImportNetwork(NetworkOptions const &options) {
 }
 
 void ExportNetwork(NetworkOptions const &options) {
+  RequireOtherFile(options.network, options.out);
   Console const console(HelpDirectory(""));
   CNetwork network;
   ReadNetwork(console, network, options.network);
@@ -97,6 +99,7 @@ void ExportNetwork(NetworkOptions const &options) {
 }
 
 void ReportNetwork(NetworkOptions const &options) {
+  if (!options.out.empty()) RequireOtherFile(options.network, options.out);
   Console const console(HelpDirectory(""));
   CNetwork network;
   ReadNetwork(console, network, options.network);

@@ -193,6 +193,30 @@ head -n 12 country.doc > cut.doc
 expect_line "'cut.doc' ends before its last line" 1 info cut.doc
 expect_line "'cut.doc' ends before its last line" 1 convert cut.doc a.asc
 
+# No command writes over the file that it reads, under whatever name
+expect_same_file() {
+  local file=$1 before
+  shift
+  before=$(cksum < "$file")
+  expect_line "is the file that is read" 2 "$@"
+  expect_same "$file after: $*" "$(cksum < "$file")" "$before"
+}
+cp "$small" own.asc
+ln -s own.asc own-link.asc
+ln own.asc own.bmp
+expect_same_file own.asc convert own.asc own.asc
+expect_same_file own.asc convert own.asc ./own-link.asc
+expect_same_file own.asc draw own.asc --legend Intervals --help-dir "$help_dir" --out own.bmp
+expect_output "2 rows, 3 columns" convert own.asc own.doc
+expect_same_file own.img convert own.doc own.doc
+expect_same_file own.doc convert own.doc own.img
+ln -s own.img own-image.qmp
+expect_same_file own.img convert own.doc own-image.qmp
+cat "$source/data/tables/demand.txt" > own.svg
+expect_same_file own.svg table plot own.svg --out own.svg
+expect_same_file own.svg table convert own.svg --to compact --out own.svg
+expect_output "Position and size of the cells are not kept" convert --help
+
 # Types of cells, by the bytes of the image
 printf 'NCOLS 3\nNROWS 1\nX 0\nY 0\nC 1\nN -9999\n1 300 -2.5\n' > types.asc
 bytes_of() { od -An -v -tu1 "$1" | tr -s ' \n' ' '; }
@@ -323,6 +347,9 @@ expect_output "306 links unidirectional" network report country.bin
 checks=$((checks + 1))
 "$program" network export country.bin --type 3 --out rails.txt || fail "network export"
 expect_same "railways read and written" "$(cksum < rails.txt)" "$(cksum < "$country/net3.txt")"
+expect_same_file rails.txt network import rails.txt --type 3 --out rails.txt
+expect_same_file country.bin network export country.bin --type 3 --out country.bin
+expect_same_file country.bin network report country.bin --out country.bin
 expect_output "from node 630 to 631, id 251, type 2" network nearest country.bin 540000 5222000
 expect_output "2000: 3 nodes, 2 links" network years "$help_dir/network-years.txt"
 expect_output "1997: 2 nodes, 2 links" network years "$help_dir/network-years.txt" --year 1997
