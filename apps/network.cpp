@@ -129,7 +129,8 @@ void ReplayYears(NetworkOptions const &options) {
   network.LoadTemporalDataDefinition(options.definitions.c_str(), base.c_str());
   console.ThrowIfBoxShown();
   std::set<int> const told = YearsIn(options.definitions);
-  if (options.year && !told.empty() && *options.year < *told.begin())
+  if (told.empty()) throw Failure("'" + options.definitions + "' tells of no years");
+  if (options.year && *options.year < *told.begin())
     std::fprintf(stderr, "quillaven: warning: '%s' begins with the year %d\n",
                  options.definitions.c_str(), *told.begin());
   std::set<int> const years = options.year ? std::set<int>{*options.year} : told;

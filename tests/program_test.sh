@@ -358,6 +358,8 @@ checks=$((checks + 1))
 expect_same "the warning of a year before the first" "$(cat err.txt)" \
   "quillaven: warning: '$help_dir/network-years.txt' begins with the year 1990"
 expect_output "1990: " network years "$help_dir/network-years.txt" --year 1990
+expect_line "demand.txt' tells of no years" 1 network years "$source/data/tables/demand.txt"
+expect_line "demand.txt' tells of no years" 1 network years "$source/data/tables/demand.txt" --year 1990
 expect_line "ubcommand is required (quillaven network --help tells more)" 2 network
 expect_line "--type" 2 network import rails.txt --type 256 --out a.bin
 expect_line "cannot open 'none.txt': No such file or directory" 1 network import none.txt --type 1 --out a.bin
