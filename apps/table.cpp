@@ -165,4 +165,5 @@ void TableConvert(TableOptions const &options) {
       table.OnWrite2(out);
     }
   });
+  if (options.form == "compact") WarnOfCompactForm(options.out, table);
 }

@@ -127,9 +127,7 @@ void TableEdit(TableOptions const &options) {
   std::string const backup = WriteBack(options.file, edited);
   std::printf("%s: table %d written, the old file is %s\n", options.file.c_str(), options.table,
               backup.c_str());
-  if (!found.tagged && !found.table.TableLinear())
-    std::printf("%s: this form of file holds no type; the table is read as straight lines\n",
-                options.file.c_str());
+  if (!found.tagged) WarnOfCompactForm(options.file, found.table);
   if (found.tagged && HasLongLine(lines))
     std::printf("%s: the table has a line that is too long to be read whole again\n",
                 options.file.c_str());

@@ -482,6 +482,16 @@ checks=$((checks + 1))
 expect_same "the same table" "$(cksum < again.txt)" "$(cksum < "$tables/distance-decay.txt")"
 "$program" table convert "$tables/step.txt" --to compact --out again.txt || fail "table convert"
 expect_same "the same table" "$(cksum < again.txt)" "$(cksum < "$tables/step.txt")"
+# What the compact form has no place for is told: a spline, and limits of x that no point lies at
+expect_same "no warning" "$("$program" table convert "$tables/distance-decay.txt" --to compact --out again.txt 2>&1)" ""
+sed '2s/1990\t2040/1980\t2050/; 2s/^\t0/\t1/' "$tables/demand.txt" > wide.txt
+expect_same "limits changed" "$(sed -n 2p wide.txt | cut -f 2,4,5 | tr '\t' ' ')" "1 1980 2050"
+for table in "$tables/demand.txt" wide.txt; do
+  checks=$((checks + 1))
+  "$program" table convert "$table" --to compact --out again.txt > out.txt 2> err.txt || fail "table convert $table"
+  expect_same "the warning of $table" "$(cat err.txt)" "quillaven: warning: 'again.txt': the compact form holds \
+neither type nor limits of x; the table is read as straight lines from 1990 to 2040"
+done
 cat "$tables/distance-decay.txt" "$tables/demand.txt" > both.txt
 "$program" table convert both.txt --table 2 --to tagged --out again.txt || fail "table convert"
 expect_same "the second table" "$(tail -n +2 again.txt | cksum)" "$(tail -n +2 "$tables/demand.txt" | cksum)"

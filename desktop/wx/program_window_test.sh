@@ -432,8 +432,20 @@ start steps.txt
 click "$spline"
 click "$ok"
 finish 0
-expect_same "a second line" "$(tail -n 1 out.txt)" \
-  "steps.txt: this form of file holds no type; the table is read as straight lines"
+lost="quillaven: warning: 'steps.txt': the compact form holds neither type nor limits of x; \
+the table is read as straight lines from 0 to 60"
+expect_same "the warning of a spline" "$(cat err.txt)" "$lost"
+
+# So are limits of x that no point lies at.
+start steps.txt
+click "$options"
+open_options
+write "159 81" 90
+click "$options_ok"
+leave_dialog Options
+click "$ok"
+finish 0
+expect_same "the warning of limits" "$(cat err.txt)" "$lost"
 
 echo "$checks checks, $failures failures"
 [ "$failures" -eq 0 ]
