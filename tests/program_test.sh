@@ -503,6 +503,13 @@ expect_line "there is no display to edit a table on" 1 table edit edited.txt
 expect_line "holds no table number 2" 1 table edit edited.txt --table 2
 expect_line "holds no table number 2" 1 table edit edited.txt --number 2
 expect_line "excludes" 2 table edit edited.txt --number 2 --table 2
+mkdir -p folder.txt
+expect_line "'folder.txt' is a folder" 1 table edit folder.txt
+plain_program=$program
+in_time() { timeout 20 "$plain_program" "$@"; }
+program=in_time
+expect_line "'pipe.qmp' is no plain file" 1 table edit pipe.qmp
+program=$plain_program
 checks=$((checks + 1))
 "$program" table edit --help | grep -q -- --number && fail "the older name of --table is shown"
 expect_same "the table" "$(cksum < edited.txt)" "$(cksum < "$tables/step.txt")"

@@ -400,6 +400,16 @@ expect_same "what the other wrote" "$(cksum < meanwhile.txt)" "$(cksum < "$table
 expect_same "the edited file" "$(cksum < meanwhile.txt.edited)" "$(cksum < old.txt)"
 expect_same "what it says" "$(grep -c "has changed while its table was edited" err.txt)" 1
 
+# Nor is the edited table lost when its file cannot be read any more, as a folder of its name.
+cp old.txt replaced.txt
+start replaced.txt --number 2
+rm replaced.txt
+mkdir replaced.txt
+xdotool key Return
+finish 1
+expect_same "the edited file" "$(cksum < replaced.txt.edited)" "$(cksum < old.txt)"
+expect_same "what it says" "$(grep -c "'replaced.txt' has changed while its table was edited" err.txt)" 1
+
 # So does an edited table whose old file cannot be kept.
 cp old.txt kept.txt
 mkdir kept.txt.bak
