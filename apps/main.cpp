@@ -160,6 +160,13 @@ void AddNetwork(CLI::App &program, NetworkOptions &options) {
   command->footer("Example: quillaven network check all.bin");
 }
 
+std::string WithoutDoubleBlankLines(CLI::App const *command, std::string const &name,
+                                    CLI::AppFormatMode mode) {
+  std::string help = CLI::Formatter().make_help(command, name, mode);
+  for (std::size_t at = 0; (at = help.find("\n\n\n")) != std::string::npos;) help.erase(at, 1);
+  return help;
+}
+
 CLI::App *AddTableCommand(CLI::App &tables, TableOptions &options, char const *name,
                           char const *what, void (*run)(TableOptions const &)) {
   CLI::App *command = tables.add_subcommand(name, what);
@@ -195,8 +202,13 @@ void AddTable(CLI::App &program, TableOptions &options) {
                                    "Shape a table with the mouse; the old file is kept", TableEdit);
   edit->add_option("--number", options.table, "The same as --table")
       ->check(CLI::Range(1, 1000000))
-      ->excludes(edit->get_option("--table"))
       ->group("");  // an older name, not shown
+  edit->callback([&options, edit] {
+    if (edit->count("--number") > 0 && edit->count("--table") > 0)
+      throw BadArguments("--table excludes --number, its older name");
+    TableEdit(options);
+  });
+  edit->formatter_fn(WithoutDoubleBlankLines);  // the group that is not shown leaves one
   edit->footer("Example: quillaven table edit demand.txt --table 1");
 }
 

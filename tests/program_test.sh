@@ -512,6 +512,9 @@ expect_line "'pipe.qmp' is no plain file" 1 table edit pipe.qmp
 program=$plain_program
 checks=$((checks + 1))
 "$program" table edit --help | grep -q -- --number && fail "the older name of --table is shown"
+"$program" table edit --help > help.txt
+expect_same "what the older name leaves in the help" "$(grep -c 'Excludes' help.txt) $(cat -s help.txt | cksum)" \
+  "0 $(cksum < help.txt)"
 expect_same "the table" "$(cksum < edited.txt)" "$(cksum < "$tables/step.txt")"
 expect_same "no backup" "$(ls edited.txt.bak 2>/dev/null)" ""
 [ -z "$display" ] || export DISPLAY=$display
