@@ -62,7 +62,7 @@ void PrintGrid(std::string const &file) {
   CFloatMatrixBaseMap map;
   map.Attach("", "", &raster, nullptr, false);
   int const read = map.OnFileImport(file.c_str(), kAsciiGrid);
-  console.ThrowIfBoxShown();
+  console.ThrowIfBoxShown(file);
   long long const cells = static_cast<long long>(raster.NRows()) * raster.NCols();
   bool const complete =
       HasCells(raster.NRows(), raster.NCols()) && (read != 0 || GridIsComplete(file, cells));
@@ -83,7 +83,7 @@ void PrintPalette(std::string const &file) {
   Console const console(HelpDirectory(""));
   std::vector<unsigned long> palette;
   bool const read = ReadIdrisiPalette(file.c_str(), palette);
-  console.ThrowIfBoxShown();
+  console.ThrowIfBoxShown(file);
   if (!read) throw Failure("the indices of palette '" + file + "' are out of order");
   std::printf("Idrisi palette\ncolours   %zu\n", palette.size());
   PrintColors(palette);
@@ -163,7 +163,7 @@ std::string PrintLegend(std::string const &file) {
     CMultiScaleFloatMatrix raster;
     CFloatMatrixBaseMap map;
     map.Attach("", "", &raster, "legend.txt", false);
-    console.ThrowIfBoxShown();
+    console.ThrowIfBoxShown("");
     PrintItems(map);
     return "";
   } catch (Failure const &failure) {

@@ -17,7 +17,7 @@ namespace {
 void ReadNetwork(Console const &console, CNetwork &network, std::string const &file) {
   RequireReadable(file);
   bool const read = network.Read(file.c_str());
-  console.ThrowIfBoxShown();
+  console.ThrowIfBoxShown(file);
   if (!read) throw Failure("'" + file + "' ends before its last record");
 }
 
@@ -45,7 +45,7 @@ template <class Write>
 void WriteChecked(Console const &console, std::string const &out, Write write) {
   ScratchFile const scratch;
   write(scratch.Path().c_str());
-  console.ThrowIfBoxShown();
+  console.ThrowIfBoxShown(out);
   scratch.WriteTo(out);
 }
 
@@ -78,7 +78,7 @@ void ImportNetwork(NetworkOptions const &options) {
     progress.Step("reading " + file);
     // A file without a line break behind its end shows a box and is read well.
     if (!network.ReadAsciiFile(file.c_str(), static_cast<unsigned char>(options.type)))
-      console.ThrowIfBoxShown();
+      console.ThrowIfBoxShown(file);
     progress.Clear();
     console.WarnIfBoxShown(file);
   }
@@ -107,7 +107,7 @@ void ReportNetwork(NetworkOptions const &options) {
     return WriteChecked(console, options.out, [&](char const *file) { network.Report(file); });
   ScratchFile const scratch;
   network.Report(scratch.Path().c_str());
-  console.ThrowIfBoxShown();
+  console.ThrowIfBoxShown(options.network);
   scratch.RequireRoom();
   std::ifstream report(scratch.Path());
   for (std::string line; std::getline(report, line);) std::printf("%s\n", line.c_str());
@@ -127,7 +127,7 @@ void ReplayYears(NetworkOptions const &options) {
   CNetwork network;
   std::string const base = std::filesystem::absolute(options.definitions).string();
   network.LoadTemporalDataDefinition(options.definitions.c_str(), base.c_str());
-  console.ThrowIfBoxShown();
+  console.ThrowIfBoxShown(options.definitions);
   std::set<int> const told = YearsIn(options.definitions);
   if (told.empty()) throw Failure("'" + options.definitions + "' tells of no years");
   if (options.year && *options.year < *told.begin())
@@ -136,7 +136,7 @@ void ReplayYears(NetworkOptions const &options) {
   std::set<int> const years = options.year ? std::set<int>{*options.year} : told;
   for (int const year : years) {
     bool const loaded = network.LoadTemporalData(year);
-    console.ThrowIfBoxShown();
+    console.ThrowIfBoxShown(options.definitions);
     if (!loaded)
       throw Failure("a network file of the year " + std::to_string(year) + " ends early");
     Used const used = CountUsed(network);

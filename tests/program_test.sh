@@ -106,7 +106,7 @@ head -c 400 "$grid" > cut.asc
 expect_line "ends before its last cell" 1 draw cut.asc --legend Landuse --out a.bmp
 printf '\000\001\002binary\377' > binary.dat
 expect_line "of no kind that is known" 1 info binary.dat
-expect_line "Save bitmap: No such file or directory" 1 draw "$small" --legend Intervals --help-dir "$help_dir" \
+expect_line "'nowhere/a.bmp': Save bitmap: No such file or directory" 1 draw "$small" --legend Intervals --help-dir "$help_dir" \
   --out nowhere/a.bmp
 printf '[IDRISI]' > cut.smp
 expect_same "no picture is left of all that" "$(ls ./*.bmp 2>/dev/null)" ""
@@ -363,8 +363,8 @@ expect_line "demand.txt' tells of no years" 1 network years "$source/data/tables
 expect_line "ubcommand is required (quillaven network --help tells more)" 2 network
 expect_line "--type" 2 network import rails.txt --type 256 --out a.bin
 expect_line "cannot open 'none.txt': No such file or directory" 1 network import none.txt --type 1 --out a.bin
-expect_line "Id of vector expected" 1 network import "$small" --type 1 --out a.bin
-expect_line "Incorrect header of the binary network file" 1 network report rails.txt
+expect_line "'$small': ArcInfo vector file: Id of vector expected" 1 network import "$small" --type 1 --out a.bin
+expect_line "'rails.txt': Read network: Incorrect header of the binary network file" 1 network report rails.txt
 head -c 5000 country.bin > cut.bin
 expect_line "ends before its last record" 1 network nearest cut.bin 0 0
 checks=$((checks + 1))
@@ -458,6 +458,11 @@ checks=$((checks + 1))
 last_step=$(script -qec "'$program' demo --out third" /dev/null | grep -ao '\[[0-9]*/[0-9]*\]' | tail -n 1)
 [[ "$last_step" =~ ^\[([0-9]+)/([0-9]+)\]$ && "${BASH_REMATCH[1]}" = "${BASH_REMATCH[2]}" ]] ||
   fail "the progress of the demo ends at $last_step"
+# The demo tells why its first picture cannot be written
+checks=$((checks + 1))
+(trap '' XFSZ; ulimit -f 200; "$program" demo --out little) > out.txt 2> err.txt && fail "a demo without room ends well"
+expect_same "what it says" "$(cat err.txt)" \
+  "quillaven: cannot write 'little/1-one-scale.bmp': Save bitmap: File too large"
 expect_line "cannot make folder" 1 demo --out small.bmp/under-a-file
 
 # Function tables

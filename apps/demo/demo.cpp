@@ -1,6 +1,9 @@
 // The demo: one story over all subsystems, told chapter by chapter.
 
+#include <string>
+
 #include "apps/commands.h"
+#include "apps/console.h"
 #include "apps/demo/story.h"
 #include "apps/files.h"
 
@@ -12,12 +15,19 @@ void Demo(DemoOptions const &options) {
   Output output(options.out);
   Progress progress(kSteps);
 
-  TellLandUse(data, output, progress);
-  console.ThrowIfBoxShown();
-  std::string const networkYears = TellRoads(data, output, progress);
-  console.ThrowIfBoxShown();
-  TellGrowth(data, networkYears, options.seed, output, progress);
-  console.ThrowIfBoxShown();
+  try {
+    TellLandUse(data, output, progress);
+    console.ThrowIfBoxShown("");
+    std::string const networkYears = TellRoads(data, output, progress);
+    console.ThrowIfBoxShown("");
+    TellGrowth(data, networkYears, options.seed, output, progress);
+    console.ThrowIfBoxShown("");
+  } catch (Failure const &failure) {
+    // A chapter tells what it could not do, and a box why.
+    std::string const what = failure.what();
+    if (what.find(console.FirstBox()) != std::string::npos) throw;
+    throw Failure(what + ": " + console.FirstBox());
+  }
 
   output.WritePage();
   progress.Clear();
