@@ -435,6 +435,10 @@ expect_same "years of a list without a last line break" "$(wc -l < out.txt)" 1
 # The demo, twice, with the same bytes
 expect_output "all 496000 cells agree" demo --out first
 expect_same "files of the demo" "$(ls first | wc -l)" 54
+for name in first/*.asc first/*.doc first/*.img first/*.bin first/*.txt first/growth-{1994,2003}.qmp; do
+  checks=$((checks + 1))
+  grep -qF -- "${name#first/}" first/index.html || fail "the page does not tell of $name"
+done
 # Times differ from run to run.
 untimed() { sed 's/, [0-9.]* s$//' "$1"; }
 untimed out.txt | sed 's/first/second/' > first.txt

@@ -444,7 +444,8 @@ void TellRule(unsigned int seed, Output &output) {
                  "Seed of the chance: " +
                      std::to_string(seed) + ".");
   output.Lines({
-      "Only open land can become residential: fields, meadows, vineyards, and land not mapped.",
+      "Only open land can become residential: fields, meadows, vineyards, and land not mapped. "
+      "No other class changes, nor is told of below.",
       "Each cell is drawn to the settled cells within 8 cells (200 m) of it: their worth "
       "(dwellings 1, public "
       "facilities 0.8, green 0.5, industry 0.3), weighted by distance through a function table.",
@@ -458,7 +459,8 @@ void TellRule(unsigned int seed, Output &output) {
 
 void TellYears(Growth &growth, CByteMatrixBaseMap &map, Output &output, Progress &progress) {
   constexpr int kZoom = 2;
-  std::printf("\nSettlements that grow from %d to %d\n", kFirstYear - 1, kLastYear);
+  std::printf("\nSettlements that grow from %d to %d (all other classes stay as they are)\n",
+              kFirstYear - 1, kLastYear);
   std::printf(
       "  year   built   residential   not mapped   arable   vineyard   meadow   stored, time\n");
   std::vector<std::vector<std::string>> rows{{"year", "built", "residential", "not mapped",
