@@ -23,6 +23,8 @@ namespace {
 
 constexpr int kAsciiGrid = 1;
 constexpr std::size_t kClassesShown = 20;
+constexpr char kNoText[] =
+    "malformed input";  // what a text of an Idrisi document is without a value
 
 std::string FirstBytes(std::string const &file, std::size_t count) {
   std::ifstream stream(SystemPath(file), std::ios::binary);
@@ -196,9 +198,11 @@ void PrintText(std::string const &file) {
 void PrintIdrisi(std::string const &file) {
   Console const console(HelpDirectory(""));
   CIdrisiImageHeader header = ReadIdrisiDocument(file, console);
-  std::printf("Idrisi image\ntitle     %s\ntype      %s, %s\nrows      %d\ncolumns   %d\n",
-              header.Title(), header.DataType(), header.FileType(), header.Rows(),
-              header.Columns());
+  std::string const title = header.Title();
+  std::printf("Idrisi image\n");
+  if (title != kNoText) std::printf("title     %s\n", title.c_str());
+  std::printf("type      %s, %s\nrows      %d\ncolumns   %d\n", header.DataType(),
+              header.FileType(), header.Rows(), header.Columns());
   std::printf("corners   %g %g to %g %g\nvalues    %g to %g\nflag      %s, %s\n", header.MinX(),
               header.MinY(), header.MaxX(), header.MaxY(), header.MinValue(), header.MaxValue(),
               header.FlagValue(), header.FlagDefinition());

@@ -173,6 +173,9 @@ expect_output "cells     byte" info country.qmp
 expect_output "992 rows, 500 columns" convert "$grid" country.doc
 expect_output "type      real, binary" info country.img
 expect_output "flag      -9999, NODATA" info country.doc
+expect_same "a title that is not there" "$(grep -c '^title\|malformed' out.txt)" 0
+sed 's/^\(file title  : \).*/\1The country/' country.doc > titled.doc && cp country.img titled.img
+expect_output "title     The country" info titled.doc
 expect_output "992 rows, 500 columns" convert country.img country-again.qmp
 expect_output "cells     float" info country-again.qmp
 expect_output "992 rows, 500 columns" convert country-again.qmp country-again.asc
