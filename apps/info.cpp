@@ -187,10 +187,12 @@ bool PrintedAsTable(std::string const &file) {
   }
 }
 
-// No table can be read as a legend: its lines have too few numbers.
+// No table can be read as a legend: its lines have too few numbers. Vector text goes first, as its
+// numbers may pass as those of a table.
 void PrintText(std::string const &file) {
+  if (DescribedAsVectorText(file)) return;
   std::string const reason = PrintLegend(file);
-  if (!reason.empty() && !PrintedAsTable(file))
+  if (!reason.empty() && !PrintedAsTable(file) && !DescribedAsYears(file))
     throw Failure("'" + file + "' is of no kind that is known here; as a legend: " + reason);
 }
 

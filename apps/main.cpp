@@ -39,9 +39,10 @@ void AddDraw(CLI::App &program, DrawOptions &options) {
 void AddInfo(CLI::App &program, std::string &file) {
   CLI::App *command = program.add_subcommand("info", "Tell what a file holds");
   command
-      ->add_option(
-          "file", file,
-          "A grid, Idrisi pair, map file, legend, palette, network, function table, bitmap or PNG")
+      ->add_option("file", file,
+                   "A grid, Idrisi pair, map file, legend, palette, network, its vector text or "
+                   "years, function "
+                   "table, bitmap or PNG")
       ->required();
   command->footer("Example: quillaven info landuse.asc");
   command->callback([&file] { Info(file); });

@@ -121,6 +121,24 @@ void DescribeNetwork(std::string const &file) {
   std::printf("Network\nnodes     %lu\nlinks     %lu\n", used.nodes, used.links);
 }
 
+bool DescribedAsVectorText(std::string const &file) {
+  Console const console(HelpDirectory(""));  // a box for what is no vector text ends here
+  CNetwork network;
+  if (!network.ReadAsciiFile(file.c_str(), 0)) return false;
+  Used const used = CountUsed(network);
+  std::printf("Network vector text\nnodes     %lu\nlinks     %lu\n", used.nodes, used.links);
+  return true;
+}
+
+bool DescribedAsYears(std::string const &file) {
+  std::set<int> const years = YearsIn(file);
+  if (years.empty()) return false;
+  std::printf("Years of a network\nyears    ");
+  for (int const year : years) std::printf(" %d", year);
+  std::printf("\n");
+  return true;
+}
+
 void ReplayYears(NetworkOptions const &options) {
   RequireReadable(options.definitions);
   Console const console(HelpDirectory(""));

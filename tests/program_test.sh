@@ -556,6 +556,9 @@ expect_output "form      compact" info "$tables/step.txt"
 expect_output "Network" info country.bin
 expect_same "what a network holds" "$(tail -n 1 out.txt)" "links     21500"
 expect_line "'cut.bin' ends before its last record" 1 info cut.bin
+expect_output "Network vector text" info "$country/net3.txt"
+expect_same "what vector text holds" "$(tail -n 1 out.txt)" "links     266"
+expect_output "years     1990 1995 2000" info "$help_dir/network-years.txt"
 printf '<html>text</html>\n' > page.html
 expect_line "'page.html' is of no kind that is known here; as a legend: contains bad char at column 1: '<html>" 1 \
   info page.html
