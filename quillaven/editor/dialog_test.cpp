@@ -169,7 +169,8 @@ TEST(Dialog, NumbersHaveSixDigitsAndMoreOnlyWhereTheseWouldLoseSomething) {
                         {1.0F / 3, "0.33333334"},
                         {-1.0F, "-1"},
                         {16777215.0F, "16777215"},
-                        {1234567.0F, "1234567"}}) {
+                        {1234567.0F, "1234567"},
+                        {std::numeric_limits<float>::max(), "3.4028235e+38"}}) {
     SmallDialog dialog;
     dialog.number = c.value;
     OpenInPixels(dialog);

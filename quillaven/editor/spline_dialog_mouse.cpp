@@ -135,12 +135,12 @@ void CSplineDialog::OnRButtonDown(CPoint point) {
   double const y = m_Table.GetYAt(hit);
   bool const inner = IsInner(hit);
   CEditPointDlg dialog;
-  dialog.X = static_cast<float>(x);
-  dialog.Y = static_cast<float>(y);
+  dialog.X = NearestFloat(x);
+  dialog.Y = NearestFloat(y);
   if (inner) {
     float const pixel = Scale().ShiftX(1);
-    dialog.Lower = static_cast<float>(m_Table.GetXAt(hit - 1) + pixel);
-    dialog.Upper = static_cast<float>(m_Table.GetXAt(hit + 1) - pixel);
+    dialog.Lower = NearestFloat(m_Table.GetXAt(hit - 1) + pixel);
+    dialog.Upper = NearestFloat(m_Table.GetXAt(hit + 1) - pixel);
   } else {  // equal bounds: the x of the first and last point cannot be changed
     dialog.Lower = dialog.X;
     dialog.Upper = dialog.X;

@@ -511,6 +511,25 @@ TEST(RightButton, KeepsAnXOfTheFirstAndLastPointThatNoFloatHolds) {
   }
 }
 
+TEST(RightButton, OnAPointThatNoFloatHoldsAsksForAnotherHeight) {
+  DialogApplication application;
+  CSpline table = Table({{-1e300, 0}, {4, 1e300}, {1e300, 0}});
+  Tool tool(table);
+  application.scripts = {[&](CDialog &edit) {
+    auto const &dialog = dynamic_cast<CEditPointDlg &>(edit);
+    EXPECT_EQ(dialog.Lower, -std::numeric_limits<float>::infinity());
+    EXPECT_EQ(dialog.Upper, std::numeric_limits<float>::infinity());
+    EXPECT_EQ(edit.Control(5017).text, "inf");
+    edit.Press(1);
+    EXPECT_EQ(application.boxes.size(), 1U);
+    edit.Type(5017, "7");
+    edit.Press(1);
+  }};
+  tool.dialog.OnRButtonDown(tool.Centre(1));
+  EXPECT_EQ(application.opened, 1U);
+  EXPECT_EQ(PointsOf(tool.dialog.Table()), (Pairs{{-1e300, 0}, {4, 7}, {1e300, 0}}));
+}
+
 TEST(RightButton, CancelledOrBesideTheHandlesChangesNothing) {
   DialogApplication application;
   Tool tool(PointTable());

@@ -173,6 +173,16 @@ TEST(SplineDialog, RowsAreRoundedToFloatsFirst) {
   EXPECT_EQ(dialog.Control(1009).rows[0], "0.123457  0.123457");
 }
 
+// A compact file may bring any double. The highest float has digits that lie a little above it.
+TEST(SplineDialog, RowsOfWhatNoFloatHoldsAreInfinite) {
+  CSpline table = Table({{0, 3.40282347e38}, {1, -1e300}, {1e300, 0}});
+  CSplineDialog dialog;
+  dialog.Table(table);
+  OpenInPixels(dialog);
+  EXPECT_EQ(dialog.Control(1009).rows,
+            (std::vector<std::string>{"0  3.40282e+38", "1  -inf", "inf  0"}));
+}
+
 void ExpectThePlotIsToBePainted(CSplineDialog &dialog) {
   CRect rectangle;
   ASSERT_TRUE(dialog.TakeInvalidRect(rectangle));
