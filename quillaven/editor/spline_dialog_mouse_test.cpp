@@ -357,6 +357,19 @@ TEST(Dragging, ToAHeightThatNoFloatHoldsIsRefused) {
   EXPECT_GT(tool.Y(1), 0.0);
 }
 
+TEST(DoubleClick, WhereTheHeightIsOneThatNoFloatHoldsAddsNothing) {
+  CSpline table = PointTable();
+  table.MaxY(std::numeric_limits<float>::max());
+  Tool tool(table);
+  CPoint const top{tool.dialog.Scale().PixelX(4), tool.dialog.Plot().top + 8};
+  ASSERT_GT(tool.dialog.Scale().DataY(top.y), 3.41e38);
+  tool.dialog.OnLButtonDblClk(top);
+  EXPECT_EQ(PointsOf(tool.dialog.Table()), PointsOf(PointTable()));
+  EXPECT_FALSE(tool.Repaint());
+  tool.dialog.OnLButtonDblClk({top.x, top.y + 1});
+  EXPECT_EQ(tool.dialog.Table().GetSize(), 5);
+}
+
 TEST(DoubleClick, InAPlotOnePixelHighAddsNothing) {
   CSplineDialog dialog;
   OpenFlat(dialog, PointTable());
