@@ -34,10 +34,15 @@ struct Tool {
     dialog.OnMouseMove({from.x + dx, from.y + dy});
     dialog.OnLButtonUp({from.x + dx, from.y + dy});
   }
-  // Whether something was to be painted anew since it was asked last.
+  // Whether something was to be painted anew since it was asked last: it is the plot, always.
   bool Repaint() {
     CRect rectangle;
-    return dialog.TakeInvalidRect(rectangle);
+    if (!dialog.TakeInvalidRect(rectangle)) return false;
+    EXPECT_EQ(rectangle.left, dialog.Plot().left);
+    EXPECT_EQ(rectangle.top, dialog.Plot().top);
+    EXPECT_EQ(rectangle.right, dialog.Plot().right);
+    EXPECT_EQ(rectangle.bottom, dialog.Plot().bottom);
+    return true;
   }
   double X(int i) const { return dialog.Table().GetXAt(i); }
   double Y(int i) const { return dialog.Table().GetYAt(i); }
@@ -134,6 +139,17 @@ TEST(Dragging, MovesPointAndHandleByTheMouse) {
   EXPECT_EQ(tool.Centre(1).x, from.x + 20);
   EXPECT_EQ(tool.Centre(1).y, from.y - 30);
   EXPECT_TRUE(tool.Repaint());
+}
+
+TEST(Dragging, PaintsThePlotAnewWithEachMove) {
+  Tool tool(PointTable());
+  CPoint const from = tool.Centre(1);
+  tool.dialog.OnLButtonDown(from);
+  EXPECT_TRUE(tool.Repaint());
+  for (int i = 1; i <= 2; ++i) {
+    tool.dialog.OnMouseMove({from.x + i, from.y});
+    EXPECT_TRUE(tool.Repaint());
+  }
 }
 
 TEST(Dragging, NeedsTheButtonAndThePlot) {
