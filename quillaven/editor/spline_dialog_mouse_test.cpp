@@ -160,6 +160,7 @@ TEST(Dragging, NeedsTheButtonAndThePlot) {
   tool.dialog.OnLButtonDown(from);
   tool.dialog.OnMouseMove({tool.dialog.Plot().right, from.y});  // just outside
   tool.dialog.OnMouseMove({from.x, tool.dialog.Plot().top - 1});
+  tool.dialog.OnMouseMove({from.x, tool.dialog.Plot().bottom});
   tool.dialog.OnLButtonUp(from);
   tool.dialog.OnMouseMove({from.x + 5, from.y});
   EXPECT_EQ(PointsOf(tool.dialog.Table()), before);
