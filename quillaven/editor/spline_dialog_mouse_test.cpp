@@ -210,6 +210,30 @@ TEST(Dragging, StopsAPixelBeforeTheNeighbours) {
   EXPECT_GT(tool.X(1), tool.X(0));
 }
 
+// 500 columns of one unit each, so that a point can come to the very x of its neighbour, which stands
+// outside of what is shown or at its end.
+TEST(Dragging, APointThatWouldMeetTheOneBeforeStaysWhereItIs) {
+  CSpline table = Table({{0, 0}, {499, 0}, {600, 0}});
+  table.MaxX(499);
+  Tool tool(table);
+  CPoint const from = tool.Centre(1);
+  tool.dialog.OnLButtonDown(from);
+  tool.dialog.OnMouseMove({tool.dialog.Plot().left, from.y});
+  EXPECT_EQ(PointsOf(tool.dialog.Table()), PointsOf(table));
+  EXPECT_EQ(tool.Centre(1).x, from.x);
+}
+
+TEST(Dragging, APointThatWouldMeetTheOneBehindStaysWhereItIs) {
+  CSpline table = Table({{-101, 0}, {0, 0}, {499, 0}});
+  table.MaxX(499);
+  Tool tool(table);
+  CPoint const from = tool.Centre(1);
+  tool.dialog.OnLButtonDown(from);
+  tool.dialog.OnMouseMove({tool.dialog.Plot().right - 1, from.y});
+  EXPECT_EQ(PointsOf(tool.dialog.Table()), PointsOf(table));
+  EXPECT_EQ(tool.Centre(1).x, from.x);
+}
+
 TEST(Dragging, HoldsAPointWithinTheMargin) {
   Tool tool(PointTable());
   CRect const plot = tool.dialog.Plot();
