@@ -279,15 +279,31 @@ TEST(Dragging, AFirstPointInTheColumnOfItsNeighbourDoesNotMove) {
 }
 
 TEST(Dragging, ALastPointInTheColumnOfItsNeighbourMovesUpAndDown) {
-  CSpline table = Table({{0, 0}, {9.999, 8}, {10, 0}});
+  CSpline table = Table({{0, 0}, {9.990, 8}, {9.995, 0}});
   table.MaxX(10);
   table.MinY(-10);
   table.MaxY(10);
   Tool tool(table);
-  ASSERT_EQ(tool.Centre(2).x, tool.Centre(1).x + 1);
+  ASSERT_EQ(tool.Centre(2).x, tool.Centre(1).x);
   tool.DragFrom(tool.Centre(2), 0, -20);
   EXPECT_GT(tool.Y(2), 0.0);
-  EXPECT_EQ(tool.X(2), 10.0);
+  EXPECT_EQ(tool.X(2), 9.995);
+}
+
+// The neighbour before asks for a column more, and the one behind, which is asked last, takes it back.
+TEST(Dragging, APointInTheColumnOfTheOneBeforeWithTheOneBehindInTheNextMovesUpAndDown) {
+  CSpline table = Table({{0, 0}, {4.001, 5}, {4.005, 0}, {4.025, -5}, {10, 0}});
+  table.MaxX(10);
+  table.MinY(-10);
+  table.MaxY(10);
+  Tool tool(table);
+  CPoint const from = tool.Centre(2);
+  ASSERT_EQ(tool.Centre(1).x, from.x);
+  ASSERT_EQ(tool.Centre(3).x, from.x + 1);
+  tool.DragFrom(from, 10, -20);
+  EXPECT_EQ(tool.X(2), 4.005);
+  EXPECT_EQ(tool.Centre(2).x, from.x);
+  EXPECT_EQ(tool.Centre(2).y, from.y - 20);
 }
 
 TEST(Dragging, ASinglePointIsFirstAndLast) {
