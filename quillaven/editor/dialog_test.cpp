@@ -65,6 +65,12 @@ TEST(Dialog, OpensWithItsFieldsInTheControls) {
   EXPECT_EQ(dialog.OnQueryDragIcon(), nullptr);
 }
 
+TEST(Dialog, LeavesTheFirstFocusToTheWindow) {
+  SmallDialog dialog;
+  EXPECT_EQ(dialog.OnInitDialog(), 1);
+  EXPECT_EQ(dialog.TakeFocusRequest(), -1);
+}
+
 TEST(Dialog, OpensEachTimeAsItsTemplateSays) {
   DialogApplication application;
   SmallDialog dialog;

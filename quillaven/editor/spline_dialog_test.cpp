@@ -100,6 +100,12 @@ TEST(SplineDialog, ThePlotLiesBetweenTheFourEditsAndIsTakenOnce) {
   EXPECT_EQ(dialog.Plot().left, 2 * 37);
 }
 
+TEST(SplineDialog, LeavesTheFirstFocusToTheWindow) {
+  CSplineDialog dialog;
+  EXPECT_EQ(dialog.OnInitDialog(), 1);
+  EXPECT_EQ(dialog.TakeFocusRequest(), -1);
+}
+
 TEST(SplineDialog, OpensWithTheLimitsInTheEditsAndTheNameAsTitle) {
   CSpline table = DistanceTable();
   table.Name("decay");
