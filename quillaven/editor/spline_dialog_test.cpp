@@ -1,3 +1,6 @@
+#include <algorithm>
+#include <cmath>
+#include <new>
 #include <string>
 #include <utility>
 #include <vector>
@@ -168,6 +171,18 @@ TEST(SplineDialog, AnyOtherEndListsThePointsAndHidesTheTicks) {
   EXPECT_EQ(dialog.Control(1009).rows,
             (std::vector<std::string>{"0  0.333333", "1.23457  -1e+09", "8.5  0.5"}));
   EXPECT_FALSE(dialog.Control(5000).shown);
+}
+
+TEST(SplineDialog, AnEndThatIsNotExactlyEightIsAnyOther) {
+  for (float const end : {std::nextafter(8.0F, 7.0F), std::nextafter(8.0F, 9.0F)}) {
+    CSpline table = DistanceTable();
+    table.MaxX(end);
+    CSplineDialog dialog;
+    dialog.Table(table);
+    OpenInPixels(dialog);
+    EXPECT_EQ(dialog.Control(1009).rows.size(), 3U);
+    EXPECT_FALSE(dialog.Control(5000).shown);
+  }
 }
 
 TEST(SplineDialog, RowsAreRoundedToFloatsFirst) {
