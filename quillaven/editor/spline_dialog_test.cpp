@@ -425,6 +425,46 @@ TEST(Thinning, DropsPointsWithinAHundredthOfTheRangeAndMakesTheTableLinear) {
   EXPECT_TRUE(dialog.TakeInvalidRect(rectangle));
 }
 
+// Looks at a tool as the wait cursor comes and goes.
+class WaitingApplication : public RecordingApplication {
+ public:
+  explicit WaitingApplication(CSplineDialog const &tool) : m_tool(tool) {}
+  void BeginWaitCursor() override {
+    pointsAtBegin = m_tool.Table().GetSize();
+    linearAtBegin = m_tool.Table().TableLinear();
+  }
+  void EndWaitCursor() override {
+    pointsAtEnd = m_tool.Table().GetSize();
+    handlesAtEnd = m_tool.Handles().size();
+    rowsAtEnd = m_tool.Control(1009).rows.size();
+  }
+
+  int pointsAtBegin = 0;
+  bool linearAtBegin = true;
+  int pointsAtEnd = 0;
+  std::size_t handlesAtEnd = 0;
+  std::size_t rowsAtEnd = 0;
+
+ private:
+  CSplineDialog const &m_tool;
+};
+
+TEST(Thinning, ShowsTheWaitCursorFromItsBeginningToItsEnd) {
+  CSpline table = Table({{0, 0}, {1, 10}, {2, 20}, {9, 90}});
+  table.MaxX(9);
+  table.TableLinear(false);
+  CSplineDialog dialog;
+  dialog.Table(table);
+  OpenInPixels(dialog);
+  WaitingApplication const application(dialog);
+  dialog.OnCommand(5011);
+  EXPECT_EQ(application.pointsAtBegin, 4);
+  EXPECT_FALSE(application.linearAtBegin);
+  EXPECT_EQ(application.pointsAtEnd, 2);
+  EXPECT_EQ(application.handlesAtEnd, 2U);
+  EXPECT_EQ(application.rowsAtEnd, 2U);
+}
+
 TEST(Thinning, GivesATableOnTheZeroLineTwoPointsAtTheThirdsOfTheLimits) {
   RecordingApplication application;
   CSpline table = Table({{1, 0}, {2, 0}, {3, 0}});
