@@ -493,13 +493,15 @@ TEST(Thinning, LooksAtInnerPointsAloneForTheZeroLine) {
 
 TEST(Thinning, LeavesTwoPointsWhereAnInnerOneHadAHeight) {
   RecordingApplication application;
-  CSpline table = Table({{0, 0}, {4, 0.001}, {8, 0}});
-  table.MaxX(8);
-  CSplineDialog dialog;
-  dialog.Table(table);
-  OpenInPixels(dialog);
-  dialog.OnCommand(5011);
-  EXPECT_EQ(PointsOf(dialog.Table()), (Pairs{{0, 0}, {8, 0}}));
+  for (double const height : {0.001, -1e-300}) {
+    CSpline table = Table({{0, 0}, {4, height}, {8, 0}});
+    table.MaxX(8);
+    CSplineDialog dialog;
+    dialog.Table(table);
+    OpenInPixels(dialog);
+    dialog.OnCommand(5011);
+    EXPECT_EQ(PointsOf(dialog.Table()), (Pairs{{0, 0}, {8, 0}})) << height;
+  }
 }
 
 TEST(Thinning, AddsNothingToATableOfOnePointOrNone) {
