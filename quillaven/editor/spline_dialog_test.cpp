@@ -592,6 +592,27 @@ TEST(DoModal, CancelLeavesTheTableWhateverWasEdited) {
   EXPECT_TRUE(table.TableLinear());
 }
 
+// Ends each dialog with a result of its own.
+class OtherResultApplication : public DialogApplication {
+ public:
+  unsigned int RunModal(CDialog &dialog) override {
+    DialogApplication::RunModal(dialog);
+    return 3;
+  }
+};
+
+TEST(DoModal, AnyOtherResultLeavesTheTableAsCancelDoes) {
+  OtherResultApplication application;
+  CSpline table = DistanceTable();
+  application.scripts = {[](CDialog &dialog) {
+    dialog.Press(5014);
+    dialog.Press(1);
+  }};
+  EXPECT_EQ(CSpline::DoModal(table), 3U);
+  EXPECT_EQ(application.opened, 1U);
+  EXPECT_TRUE(table.TableLinear());
+}
+
 TEST(DoModal, ASplineThatCannotBeBuiltClosesTheDialogAsCancelled) {
   DialogApplication application;
   CSpline table = Table({{0, 0}, {1e-7, 0}, {1, 0}});  // two points at one place of the curve
