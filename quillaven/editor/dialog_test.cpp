@@ -132,6 +132,7 @@ TEST(Dialog, RefusesATextThatIsNoNumberAndLosesNothing) {
     EXPECT_EQ(dialog.Result(), 0U);
     ASSERT_EQ(application.boxes.size(), 1U);
     EXPECT_EQ(application.boxes[0].text, "Please enter a number.");
+    EXPECT_EQ(application.boxes[0].type, 48U) << "with an exclamation mark";
     EXPECT_EQ(dialog.TakeFocusRequest(), 10);
     EXPECT_EQ(dialog.TakeFocusRequest(), -1);
     EXPECT_EQ(dialog.Control(10).text, text);
