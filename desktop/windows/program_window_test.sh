@@ -72,7 +72,7 @@ photograph() { import -window root "$pictures/$1.png"; }
 pixels() { convert "$pictures/$1.png" -fill black +opaque "$2" -fill white -opaque "$2" -format '%[fx:int(mean*w*h+0.5)]' info:; }
 
 cp "$tables/demand.txt" .
-"$wine" "$program" table edit demand.txt > out.txt 2> err.txt < /dev/null &
+timeout 120 "$wine" "$program" table edit demand.txt > out.txt 2> err.txt < /dev/null &
 pid=$!
 find_window "housing demand"
 click 112 188 # Grid
