@@ -15,7 +15,7 @@ export WINEDEBUG=${WINEDEBUG:--all} WINEDLLOVERRIDES="mscoree,mshtml,winemenubui
 unset DISPLAY WAYLAND_DISPLAY
 
 if [ "${1:-}" = "--end" ]; then
-  [ ! -e "$WINEPREFIX/.ready" ] || wineserver -k -w
+  [ ! -e "$WINEPREFIX/.ready" ] || timeout 30 wineserver -k -w
   exit 0
 fi
 
@@ -24,7 +24,8 @@ wine=$(command -v wine64 || command -v /usr/lib/wine/wine64 || command -v wine) 
   exit 127
 }
 is_up() { [ -e "$WINEPREFIX/.desktop" ] && wineserver -k0 2> /dev/null; }
-quietly() { "$@" < /dev/null > /dev/null 2>&1 9>&-; }
+# Each within its time: who waits for the lock waits for all of them.
+quietly() { timeout -k 5 90 "$@" < /dev/null > /dev/null 2>&1 9>&-; }
 make_prefix() {
   quietly "$wine" wineboot -i &&
     quietly "$wine" reg add 'HKCU\Software\Wine\Drivers' /v Graphics /d null /f &&
@@ -34,7 +35,7 @@ make_prefix() {
 
 if ! is_up; then
   exec 9> "$WINEPREFIX.lock"
-  flock 9
+  flock -w 300 9 || { echo "Wine does not start in $WINEPREFIX" >&2; exit 127; }
   if ! is_up; then
     rm -f "$WINEPREFIX/.desktop"
     [ -e "$WINEPREFIX/.ready" ] || make_prefix || {

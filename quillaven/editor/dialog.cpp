@@ -6,6 +6,7 @@
 #include <utility>
 
 #include <quillaven/editor/dialog.h>
+#include <quillaven/foundation/rounding_internal.h>
 #include <quillaven/platform/application.h>
 #include <quillaven/platform/message_box_internal.h>
 #include <quillaven/platform/number_locale_internal.h>
@@ -24,7 +25,7 @@ bool ReadNumber(std::string const &text, float &value) {
   if (number.find_first_not_of("0123456789+-.eE") != std::string::npos) return false;
   PointLocale const point;
   char *end = nullptr;
-  auto const read = static_cast<float>(std::strtod(number.c_str(), &end));
+  float const read = NearestFloat(std::strtod(number.c_str(), &end));
   if (end != number.c_str() + number.size() || !std::isfinite(read)) return false;
   value = read;
   return true;

@@ -65,6 +65,12 @@ TEST(Dialog, OpensWithItsFieldsInTheControls) {
   EXPECT_EQ(dialog.OnQueryDragIcon(), nullptr);
 }
 
+TEST(Dialog, LeavesTheFirstFocusToTheWindow) {
+  SmallDialog dialog;
+  EXPECT_EQ(dialog.OnInitDialog(), 1);
+  EXPECT_EQ(dialog.TakeFocusRequest(), -1);
+}
+
 TEST(Dialog, OpensEachTimeAsItsTemplateSays) {
   DialogApplication application;
   SmallDialog dialog;
@@ -126,6 +132,7 @@ TEST(Dialog, RefusesATextThatIsNoNumberAndLosesNothing) {
     EXPECT_EQ(dialog.Result(), 0U);
     ASSERT_EQ(application.boxes.size(), 1U);
     EXPECT_EQ(application.boxes[0].text, "Please enter a number.");
+    EXPECT_EQ(application.boxes[0].type, 48U) << "with an exclamation mark";
     EXPECT_EQ(dialog.TakeFocusRequest(), 10);
     EXPECT_EQ(dialog.TakeFocusRequest(), -1);
     EXPECT_EQ(dialog.Control(10).text, text);
@@ -169,7 +176,8 @@ TEST(Dialog, NumbersHaveSixDigitsAndMoreOnlyWhereTheseWouldLoseSomething) {
                         {1.0F / 3, "0.33333334"},
                         {-1.0F, "-1"},
                         {16777215.0F, "16777215"},
-                        {1234567.0F, "1234567"}}) {
+                        {1234567.0F, "1234567"},
+                        {std::numeric_limits<float>::max(), "3.4028235e+38"}}) {
     SmallDialog dialog;
     dialog.number = c.value;
     OpenInPixels(dialog);

@@ -57,11 +57,11 @@ float PlotScale::ShiftY(int pixels) const {
 GridSteps ChooseScale(float lo, float hi, int least, int most) {
   double const exponent = std::ceil(std::log10(static_cast<double>(hi) - lo));
   GridSteps steps;
-  steps.step = static_cast<float>(std::pow(10.0, exponent - 1));
+  steps.step = NearestFloat(std::pow(10.0, exponent - 1));
   // The logarithm of an empty or backward range, and a step beyond a float, lead nowhere.
   if (!std::isfinite(exponent) || !(steps.step > 0) || !std::isfinite(steps.step)) return {};
   double const step = steps.step;
-  steps.start = static_cast<float>(std::floor(lo / step) * step);
+  steps.start = NearestFloat(std::floor(lo / step) * step);
   steps.count = HeldPixel((std::ceil(hi / step) * step - steps.start) / step) + 1;
   if (steps.count < 1 || !std::isfinite(steps.start)) return {};
   // Twice as many steps of half the width reach half a step too far. It is meant.

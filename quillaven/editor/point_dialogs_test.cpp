@@ -68,6 +68,12 @@ TEST(EditPointDialog, FieldsAreZeroAtFirst) {
   EXPECT_EQ(dialog.Y, 0.0F);
 }
 
+TEST(EditPointDialog, LeavesTheFirstFocusToTheWindow) {
+  CEditPointDlg dialog;
+  EXPECT_EQ(dialog.OnInitDialog(), 1);
+  EXPECT_EQ(dialog.TakeFocusRequest(), -1);
+}
+
 TEST(EditPointDialog, ShowsThePointAndTheBoundsInTheNote) {
   CEditPointDlg dialog;
   dialog.X = 2.25F;

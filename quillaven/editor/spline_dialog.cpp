@@ -5,6 +5,7 @@
 #include <quillaven/editor/point_dialogs_internal.h>
 #include <quillaven/editor/spline_dialog_internal.h>
 #include <quillaven/editor/spline_icon_internal.h>
+#include <quillaven/foundation/rounding_internal.h>
 #include <quillaven/platform/application.h>
 #include <quillaven/platform/message_box_internal.h>
 #include <quillaven/platform/strings.h>
@@ -151,8 +152,8 @@ void CSplineDialog::RebuildList() {
     return;
   }
   for (int i = 0; i < m_Table.GetSize(); ++i) {
-    auto const x = static_cast<float>(m_Table.GetXAt(i));
-    auto const y = static_cast<float>(m_Table.GetYAt(i));
+    float const x = NearestFloat(m_Table.GetXAt(i));
+    float const y = NearestFloat(m_Table.GetYAt(i));
     row.Format("%.6lg  %.6lg", static_cast<double>(x), static_cast<double>(y));
     rows.push_back(row);
   }
@@ -196,15 +197,14 @@ void CSplineDialog::Thin() {
   WaitCursor const cursor;
   m_bLinear = true;
   m_Table.TableLinear(true);
-  auto const tolerance =
-      static_cast<float>((static_cast<double>(m_limits.maxY) - m_limits.minY) * 0.01);
+  float const tolerance = NearestFloat((static_cast<double>(m_limits.maxY) - m_limits.minY) * 0.01);
   bool allZero = true;
   for (int i = 1; i < m_Table.GetSize() - 1;) {
     double const x = m_Table.GetXAt(i);
     double const y = m_Table.GetYAt(i);
     if (y != 0) allZero = false;
     m_Table.RemoveAt(i);
-    if (tolerance < std::fabs(y - m_Table.Evaluate(static_cast<float>(x)))) {
+    if (tolerance < std::fabs(y - m_Table.Evaluate(NearestFloat(x)))) {
       m_Table.Add(x, y);
       ++i;
     }

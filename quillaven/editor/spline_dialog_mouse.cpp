@@ -14,6 +14,8 @@ int Held(int value, int low, int high) {
   return std::min(std::max(value, low), high);
 }
 
+// A value that is none, as limits far apart or a plot one pixel high give it, could be written to
+// no file and typed in no edit.
 bool IsFloat(double value) {
   return std::isfinite(NearestFloat(value));
 }
@@ -80,8 +82,6 @@ bool CSplineDialog::MoveHandle(int index, int dx, int dy) {
   double const oldX = m_Table.GetXAt(index);
   double const x = oldX + (mx != 0 ? scale.ShiftX(mx) : 0);
   double const y = m_Table.GetYAt(index) + (my != 0 ? scale.ShiftY(-my) : 0);
-  // A value that no float holds, as limits far apart or a plot one pixel high give it, could be
-  // written to no file and typed in no edit.
   if (my != 0 && !IsFloat(y)) return false;
   // Asked so that what is no number breaks a limit too.
   bool const aboveLower = first ? x == oldX : x > m_Table.GetXAt(index - 1);
@@ -117,8 +117,9 @@ void CSplineDialog::OnLButtonDblClk(CPoint point) {
     PlotScale const scale = Scale();
     double const x = scale.DataX(point.x);
     double const y = scale.DataY(point.y);
-    // A plot one pixel wide or high has no values for its pixels.
-    if (!std::isfinite(x) || !std::isfinite(y)) return;
+    // A plot one pixel wide or high has no values for its pixels, and the top row, which stands a
+    // step above the limit, may have one that no float holds.
+    if (!IsFloat(x) || !IsFloat(y)) return;
     m_Table.Add(x, y);
   } else if (IsInner(hit)) {
     m_Table.RemoveAt(hit);
@@ -135,12 +136,12 @@ void CSplineDialog::OnRButtonDown(CPoint point) {
   double const y = m_Table.GetYAt(hit);
   bool const inner = IsInner(hit);
   CEditPointDlg dialog;
-  dialog.X = static_cast<float>(x);
-  dialog.Y = static_cast<float>(y);
+  dialog.X = NearestFloat(x);
+  dialog.Y = NearestFloat(y);
   if (inner) {
     float const pixel = Scale().ShiftX(1);
-    dialog.Lower = static_cast<float>(m_Table.GetXAt(hit - 1) + pixel);
-    dialog.Upper = static_cast<float>(m_Table.GetXAt(hit + 1) - pixel);
+    dialog.Lower = NearestFloat(m_Table.GetXAt(hit - 1) + pixel);
+    dialog.Upper = NearestFloat(m_Table.GetXAt(hit + 1) - pixel);
   } else {  // equal bounds: the x of the first and last point cannot be changed
     dialog.Lower = dialog.X;
     dialog.Upper = dialog.X;

@@ -34,10 +34,15 @@ struct Tool {
     dialog.OnMouseMove({from.x + dx, from.y + dy});
     dialog.OnLButtonUp({from.x + dx, from.y + dy});
   }
-  // Whether something was to be painted anew since it was asked last.
+  // Whether something was to be painted anew since it was asked last: it is the plot, always.
   bool Repaint() {
     CRect rectangle;
-    return dialog.TakeInvalidRect(rectangle);
+    if (!dialog.TakeInvalidRect(rectangle)) return false;
+    EXPECT_EQ(rectangle.left, dialog.Plot().left);
+    EXPECT_EQ(rectangle.top, dialog.Plot().top);
+    EXPECT_EQ(rectangle.right, dialog.Plot().right);
+    EXPECT_EQ(rectangle.bottom, dialog.Plot().bottom);
+    return true;
   }
   double X(int i) const { return dialog.Table().GetXAt(i); }
   double Y(int i) const { return dialog.Table().GetYAt(i); }
@@ -136,6 +141,17 @@ TEST(Dragging, MovesPointAndHandleByTheMouse) {
   EXPECT_TRUE(tool.Repaint());
 }
 
+TEST(Dragging, PaintsThePlotAnewWithEachMove) {
+  Tool tool(PointTable());
+  CPoint const from = tool.Centre(1);
+  tool.dialog.OnLButtonDown(from);
+  EXPECT_TRUE(tool.Repaint());
+  for (int i = 1; i <= 2; ++i) {
+    tool.dialog.OnMouseMove({from.x + i, from.y});
+    EXPECT_TRUE(tool.Repaint());
+  }
+}
+
 TEST(Dragging, NeedsTheButtonAndThePlot) {
   Tool tool(PointTable());
   CPoint const from = tool.Centre(1);
@@ -144,6 +160,7 @@ TEST(Dragging, NeedsTheButtonAndThePlot) {
   tool.dialog.OnLButtonDown(from);
   tool.dialog.OnMouseMove({tool.dialog.Plot().right, from.y});  // just outside
   tool.dialog.OnMouseMove({from.x, tool.dialog.Plot().top - 1});
+  tool.dialog.OnMouseMove({from.x, tool.dialog.Plot().bottom});
   tool.dialog.OnLButtonUp(from);
   tool.dialog.OnMouseMove({from.x + 5, from.y});
   EXPECT_EQ(PointsOf(tool.dialog.Table()), before);
@@ -193,6 +210,30 @@ TEST(Dragging, StopsAPixelBeforeTheNeighbours) {
   EXPECT_GT(tool.X(1), tool.X(0));
 }
 
+// 500 columns of one unit each, so that a point can come to the very x of its neighbour, which stands
+// outside of what is shown or at its end.
+TEST(Dragging, APointThatWouldMeetTheOneBeforeStaysWhereItIs) {
+  CSpline table = Table({{0, 0}, {499, 0}, {600, 0}});
+  table.MaxX(499);
+  Tool tool(table);
+  CPoint const from = tool.Centre(1);
+  tool.dialog.OnLButtonDown(from);
+  tool.dialog.OnMouseMove({tool.dialog.Plot().left, from.y});
+  EXPECT_EQ(PointsOf(tool.dialog.Table()), PointsOf(table));
+  EXPECT_EQ(tool.Centre(1).x, from.x);
+}
+
+TEST(Dragging, APointThatWouldMeetTheOneBehindStaysWhereItIs) {
+  CSpline table = Table({{-101, 0}, {0, 0}, {499, 0}});
+  table.MaxX(499);
+  Tool tool(table);
+  CPoint const from = tool.Centre(1);
+  tool.dialog.OnLButtonDown(from);
+  tool.dialog.OnMouseMove({tool.dialog.Plot().right - 1, from.y});
+  EXPECT_EQ(PointsOf(tool.dialog.Table()), PointsOf(table));
+  EXPECT_EQ(tool.Centre(1).x, from.x);
+}
+
 TEST(Dragging, HoldsAPointWithinTheMargin) {
   Tool tool(PointTable());
   CRect const plot = tool.dialog.Plot();
@@ -238,15 +279,31 @@ TEST(Dragging, AFirstPointInTheColumnOfItsNeighbourDoesNotMove) {
 }
 
 TEST(Dragging, ALastPointInTheColumnOfItsNeighbourMovesUpAndDown) {
-  CSpline table = Table({{0, 0}, {9.999, 8}, {10, 0}});
+  CSpline table = Table({{0, 0}, {9.990, 8}, {9.995, 0}});
   table.MaxX(10);
   table.MinY(-10);
   table.MaxY(10);
   Tool tool(table);
-  ASSERT_EQ(tool.Centre(2).x, tool.Centre(1).x + 1);
+  ASSERT_EQ(tool.Centre(2).x, tool.Centre(1).x);
   tool.DragFrom(tool.Centre(2), 0, -20);
   EXPECT_GT(tool.Y(2), 0.0);
-  EXPECT_EQ(tool.X(2), 10.0);
+  EXPECT_EQ(tool.X(2), 9.995);
+}
+
+// The neighbour before asks for a column more, and the one behind, which is asked last, takes it back.
+TEST(Dragging, APointInTheColumnOfTheOneBeforeWithTheOneBehindInTheNextMovesUpAndDown) {
+  CSpline table = Table({{0, 0}, {4.001, 5}, {4.005, 0}, {4.025, -5}, {10, 0}});
+  table.MaxX(10);
+  table.MinY(-10);
+  table.MaxY(10);
+  Tool tool(table);
+  CPoint const from = tool.Centre(2);
+  ASSERT_EQ(tool.Centre(1).x, from.x);
+  ASSERT_EQ(tool.Centre(3).x, from.x + 1);
+  tool.DragFrom(from, 10, -20);
+  EXPECT_EQ(tool.X(2), 4.005);
+  EXPECT_EQ(tool.Centre(2).x, from.x);
+  EXPECT_EQ(tool.Centre(2).y, from.y - 20);
 }
 
 TEST(Dragging, ASinglePointIsFirstAndLast) {
@@ -355,6 +412,19 @@ TEST(Dragging, ToAHeightThatNoFloatHoldsIsRefused) {
   tool.dialog.OnMouseMove({from.x, from.y + 100});
   EXPECT_LT(tool.Y(1), 3e38);
   EXPECT_GT(tool.Y(1), 0.0);
+}
+
+TEST(DoubleClick, WhereTheHeightIsOneThatNoFloatHoldsAddsNothing) {
+  CSpline table = PointTable();
+  table.MaxY(std::numeric_limits<float>::max());
+  Tool tool(table);
+  CPoint const top{tool.dialog.Scale().PixelX(4), tool.dialog.Plot().top + 8};
+  ASSERT_GT(tool.dialog.Scale().DataY(top.y), 3.41e38);
+  tool.dialog.OnLButtonDblClk(top);
+  EXPECT_EQ(PointsOf(tool.dialog.Table()), PointsOf(PointTable()));
+  EXPECT_FALSE(tool.Repaint());
+  tool.dialog.OnLButtonDblClk({top.x, top.y + 1});
+  EXPECT_EQ(tool.dialog.Table().GetSize(), 5);
 }
 
 TEST(DoubleClick, InAPlotOnePixelHighAddsNothing) {
@@ -509,6 +579,25 @@ TEST(RightButton, KeepsAnXOfTheFirstAndLastPointThatNoFloatHolds) {
       EXPECT_EQ(PointsOf(tool.dialog.Table()), expected) << i << " " << y;
     }
   }
+}
+
+TEST(RightButton, OnAPointThatNoFloatHoldsAsksForAnotherHeight) {
+  DialogApplication application;
+  CSpline table = Table({{-1e300, 0}, {4, 1e300}, {1e300, 0}});
+  Tool tool(table);
+  application.scripts = {[&](CDialog &edit) {
+    auto const &dialog = dynamic_cast<CEditPointDlg &>(edit);
+    EXPECT_EQ(dialog.Lower, -std::numeric_limits<float>::infinity());
+    EXPECT_EQ(dialog.Upper, std::numeric_limits<float>::infinity());
+    EXPECT_EQ(edit.Control(5017).text, "inf");
+    edit.Press(1);
+    EXPECT_EQ(application.boxes.size(), 1U);
+    edit.Type(5017, "7");
+    edit.Press(1);
+  }};
+  tool.dialog.OnRButtonDown(tool.Centre(1));
+  EXPECT_EQ(application.opened, 1U);
+  EXPECT_EQ(PointsOf(tool.dialog.Table()), (Pairs{{-1e300, 0}, {4, 7}, {1e300, 0}}));
 }
 
 TEST(RightButton, CancelledOrBesideTheHandlesChangesNothing) {

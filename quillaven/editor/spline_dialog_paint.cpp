@@ -93,7 +93,7 @@ void CSplineDialog::PaintCurve(CDrawing &drawing) {
   int const width = scale.Width();
   bool before = false;
   for (int p = 0; p < width; ++p) {
-    auto const x = static_cast<float>(range * p / (width - 1) + m_limits.minX);
+    float const x = NearestFloat(range * p / (width - 1) + m_limits.minX);
     CPoint const pixel{inner.left + p, scale.PixelY(m_Table.Evaluate(x))};
     bool const inside = PtInRect(inner, pixel);
     if (before && inside) {

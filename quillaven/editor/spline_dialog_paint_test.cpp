@@ -352,6 +352,55 @@ TEST(SplinePaint, DoesNotDrawHandlesOutsideTheLimits) {
   EXPECT_EQ(Ellipses(Paint(dialog)).size(), 4U);
 }
 
+// A pixel is one unit wide and high, so that values at a half lie well within their pixels.
+CSpline UnitTable(Pairs const &points) {
+  CSpline table = Table(points);
+  table.MaxX(500);
+  table.MinY(0);
+  table.MaxY(328);
+  return table;
+}
+
+struct EdgeRow {
+  double x, y;
+  CPoint pixel;
+  bool drawn;
+};
+
+TEST(SplinePaint, DrawsHandlesUpToEachEdgeOfTheMarginAndNoPixelBeyond) {
+  for (EdgeRow const &row : {EdgeRow{0.5, 100.5, {kLeft + 8, kBottom - 108}, true},
+                             {-1.5, 100.5, {kLeft + 7, kBottom - 108}, false},
+                             {500.5, 100.5, {kRight - 8, kBottom - 108}, true},
+                             {501.5, 100.5, {kRight - 7, kBottom - 108}, false},
+                             {100.5, 328.5, {kLeft + 108, kTop + 8}, true},
+                             {100.5, 329.5, {kLeft + 108, kTop + 7}, false},
+                             {100.5, 0.5, {kLeft + 108, kBottom - 8}, true},
+                             {100.5, -1.5, {kLeft + 108, kBottom - 7}, false}}) {
+    SCOPED_TRACE(testing::Message() << row.x << ", " << row.y);
+    CSplineDialog dialog = Opened(UnitTable({{row.x, row.y}}));
+    ASSERT_EQ(CentreOf(dialog.Handles()[0]).x, row.pixel.x);
+    ASSERT_EQ(CentreOf(dialog.Handles()[0]).y, row.pixel.y);
+    EXPECT_EQ(Ellipses(Paint(dialog)).size(), row.drawn ? 1U : 0U);
+  }
+}
+
+TEST(SplinePaint, DrawsTheCurveUpToTheTopAndBottomOfTheMarginAndNoPixelBeyond) {
+  for (EdgeRow const &row : {EdgeRow{0, 328.5, {kLeft + 8, kTop + 8}, true},
+                             {0, 329.5, {kLeft + 8, kTop + 7}, false},
+                             {0, 0.5, {kLeft + 8, kBottom - 8}, true},
+                             {0, -1.5, {kLeft + 8, kBottom - 7}, false}}) {
+    SCOPED_TRACE(row.y);
+    CSplineDialog dialog = Opened(UnitTable({{0, row.y}, {500, row.y}}));
+    Operations const curve = DrawnWith(Paint(dialog), 0xFF0000, 2);
+    ASSERT_EQ(curve.size(), 500U);
+    EXPECT_EQ(curve[0].place.left, row.pixel.x);
+    EXPECT_EQ(curve[0].place.top, row.pixel.y);
+    EXPECT_EQ(curve[0].kind, Kind::moveTo);
+    for (std::size_t p = 1; p < curve.size(); ++p)
+      ASSERT_EQ(curve[p].kind, row.drawn ? Kind::lineTo : Kind::moveTo) << p;
+  }
+}
+
 TEST(SplinePaint, DrawsAHandleOnTheRightAndBottomEndOfTheMargin) {
   CSpline table = Table({{0, 1}, {1, -1}});
   CSplineDialog dialog = Opened(table);

@@ -1,3 +1,6 @@
+#include <algorithm>
+#include <cmath>
+#include <new>
 #include <string>
 #include <utility>
 #include <vector>
@@ -100,6 +103,12 @@ TEST(SplineDialog, ThePlotLiesBetweenTheFourEditsAndIsTakenOnce) {
   EXPECT_EQ(dialog.Plot().left, 2 * 37);
 }
 
+TEST(SplineDialog, LeavesTheFirstFocusToTheWindow) {
+  CSplineDialog dialog;
+  EXPECT_EQ(dialog.OnInitDialog(), 1);
+  EXPECT_EQ(dialog.TakeFocusRequest(), -1);
+}
+
 TEST(SplineDialog, OpensWithTheLimitsInTheEditsAndTheNameAsTitle) {
   CSpline table = DistanceTable();
   table.Name("decay");
@@ -164,6 +173,18 @@ TEST(SplineDialog, AnyOtherEndListsThePointsAndHidesTheTicks) {
   EXPECT_FALSE(dialog.Control(5000).shown);
 }
 
+TEST(SplineDialog, AnEndThatIsNotExactlyEightIsAnyOther) {
+  for (float const end : {std::nextafter(8.0F, 7.0F), std::nextafter(8.0F, 9.0F)}) {
+    CSpline table = DistanceTable();
+    table.MaxX(end);
+    CSplineDialog dialog;
+    dialog.Table(table);
+    OpenInPixels(dialog);
+    EXPECT_EQ(dialog.Control(1009).rows.size(), 3U);
+    EXPECT_FALSE(dialog.Control(5000).shown);
+  }
+}
+
 TEST(SplineDialog, RowsAreRoundedToFloatsFirst) {
   CSpline table = Table({{0.1234565, 0.1234565}, {2, 0}});
   CSplineDialog dialog;
@@ -171,6 +192,16 @@ TEST(SplineDialog, RowsAreRoundedToFloatsFirst) {
   OpenInPixels(dialog);
   // As a double it lies below the half, and the nearest float above.
   EXPECT_EQ(dialog.Control(1009).rows[0], "0.123457  0.123457");
+}
+
+// A compact file may bring any double. The highest float has digits that lie a little above it.
+TEST(SplineDialog, RowsOfWhatNoFloatHoldsAreInfinite) {
+  CSpline table = Table({{0, 3.40282347e38}, {1, -1e300}, {1e300, 0}});
+  CSplineDialog dialog;
+  dialog.Table(table);
+  OpenInPixels(dialog);
+  EXPECT_EQ(dialog.Control(1009).rows,
+            (std::vector<std::string>{"0  3.40282e+38", "1  -inf", "inf  0"}));
 }
 
 void ExpectThePlotIsToBePainted(CSplineDialog &dialog) {
@@ -394,6 +425,46 @@ TEST(Thinning, DropsPointsWithinAHundredthOfTheRangeAndMakesTheTableLinear) {
   EXPECT_TRUE(dialog.TakeInvalidRect(rectangle));
 }
 
+// Looks at a tool as the wait cursor comes and goes.
+class WaitingApplication : public RecordingApplication {
+ public:
+  explicit WaitingApplication(CSplineDialog const &tool) : m_tool(tool) {}
+  void BeginWaitCursor() override {
+    pointsAtBegin = m_tool.Table().GetSize();
+    linearAtBegin = m_tool.Table().TableLinear();
+  }
+  void EndWaitCursor() override {
+    pointsAtEnd = m_tool.Table().GetSize();
+    handlesAtEnd = m_tool.Handles().size();
+    rowsAtEnd = m_tool.Control(1009).rows.size();
+  }
+
+  int pointsAtBegin = 0;
+  bool linearAtBegin = true;
+  int pointsAtEnd = 0;
+  std::size_t handlesAtEnd = 0;
+  std::size_t rowsAtEnd = 0;
+
+ private:
+  CSplineDialog const &m_tool;
+};
+
+TEST(Thinning, ShowsTheWaitCursorFromItsBeginningToItsEnd) {
+  CSpline table = Table({{0, 0}, {1, 10}, {2, 20}, {9, 90}});
+  table.MaxX(9);
+  table.TableLinear(false);
+  CSplineDialog dialog;
+  dialog.Table(table);
+  OpenInPixels(dialog);
+  WaitingApplication const application(dialog);
+  dialog.OnCommand(5011);
+  EXPECT_EQ(application.pointsAtBegin, 4);
+  EXPECT_FALSE(application.linearAtBegin);
+  EXPECT_EQ(application.pointsAtEnd, 2);
+  EXPECT_EQ(application.handlesAtEnd, 2U);
+  EXPECT_EQ(application.rowsAtEnd, 2U);
+}
+
 TEST(Thinning, GivesATableOnTheZeroLineTwoPointsAtTheThirdsOfTheLimits) {
   RecordingApplication application;
   CSpline table = Table({{1, 0}, {2, 0}, {3, 0}});
@@ -422,13 +493,15 @@ TEST(Thinning, LooksAtInnerPointsAloneForTheZeroLine) {
 
 TEST(Thinning, LeavesTwoPointsWhereAnInnerOneHadAHeight) {
   RecordingApplication application;
-  CSpline table = Table({{0, 0}, {4, 0.001}, {8, 0}});
-  table.MaxX(8);
-  CSplineDialog dialog;
-  dialog.Table(table);
-  OpenInPixels(dialog);
-  dialog.OnCommand(5011);
-  EXPECT_EQ(PointsOf(dialog.Table()), (Pairs{{0, 0}, {8, 0}}));
+  for (double const height : {0.001, -1e-300}) {
+    CSpline table = Table({{0, 0}, {4, height}, {8, 0}});
+    table.MaxX(8);
+    CSplineDialog dialog;
+    dialog.Table(table);
+    OpenInPixels(dialog);
+    dialog.OnCommand(5011);
+    EXPECT_EQ(PointsOf(dialog.Table()), (Pairs{{0, 0}, {8, 0}})) << height;
+  }
 }
 
 TEST(Thinning, AddsNothingToATableOfOnePointOrNone) {
@@ -516,6 +589,27 @@ TEST(DoModal, CancelLeavesTheTableWhateverWasEdited) {
   }};
   EXPECT_EQ(CSpline::DoModal(table), 2U);
   EXPECT_EQ(PointsOf(table), PointsOf(DistanceTable()));
+  EXPECT_TRUE(table.TableLinear());
+}
+
+// Ends each dialog with a result of its own.
+class OtherResultApplication : public DialogApplication {
+ public:
+  unsigned int RunModal(CDialog &dialog) override {
+    DialogApplication::RunModal(dialog);
+    return 3;
+  }
+};
+
+TEST(DoModal, AnyOtherResultLeavesTheTableAsCancelDoes) {
+  OtherResultApplication application;
+  CSpline table = DistanceTable();
+  application.scripts = {[](CDialog &dialog) {
+    dialog.Press(5014);
+    dialog.Press(1);
+  }};
+  EXPECT_EQ(CSpline::DoModal(table), 3U);
+  EXPECT_EQ(application.opened, 1U);
   EXPECT_TRUE(table.TableLinear());
 }
 

@@ -154,7 +154,7 @@ class Picture {
     std::vector<unsigned char> block;
     block.reserve(row.size() + kBlockSize);
 
-    NewFile out(SystemPath(file).c_str());
+    NewFile out(SystemPath(file).c_str(), NewFile::Access::kReadAndWrite);
     bool written = out.IsOpen() && out.Write(fileHeader.Get().data(), kFileHeaderSize) &&
                    out.Write(info.Get().data(), kInfoSize);
     CellPainter painter(*this);

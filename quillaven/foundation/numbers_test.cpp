@@ -130,6 +130,20 @@ TEST(NearestFloat, IsInfiniteForWhatNoFloatHolds) {
   EXPECT_TRUE(std::isnan(NearestFloat(std::nan(""))));
 }
 
+// Nine digits of the highest float, as programs write them, lie a little above it.
+TEST(NearestFloat, TakesTheDigitsOfTheHighestFloatForThatFloat) {
+  constexpr float kHighest = std::numeric_limits<float>::max();
+  constexpr float kInfinity = std::numeric_limits<float>::infinity();
+  ASSERT_GT(3.40282347e38, static_cast<double>(kHighest));
+  EXPECT_EQ(NearestFloat(3.40282347e38), kHighest);
+  EXPECT_EQ(NearestFloat(-3.40282347e38), -kHighest);
+  double const beyond = 0x1.ffffffp127;  // as near to the next power of two, which is even
+  EXPECT_EQ(NearestFloat(std::nextafter(beyond, 0)), kHighest);
+  EXPECT_EQ(NearestFloat(-std::nextafter(beyond, 0)), -kHighest);
+  EXPECT_EQ(NearestFloat(beyond), kInfinity);
+  EXPECT_EQ(NearestFloat(-beyond), -kInfinity);
+}
+
 TEST(LeadingInteger, ReadsWhatATextBeginsWith) {
   EXPECT_EQ(LeadingInteger(" 12 cells"), 12);
   EXPECT_EQ(LeadingInteger("-7.5"), -7);

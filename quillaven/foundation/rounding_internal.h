@@ -16,10 +16,12 @@ inline int Truncated(double value) {
 
 /// The float next to a number; infinite for one that lies beyond all floats.
 inline float NearestFloat(double value) {
-  constexpr double kHighest = static_cast<double>(std::numeric_limits<float>::max());
+  constexpr float kHighest = std::numeric_limits<float>::max();
   constexpr float kInfinity = std::numeric_limits<float>::infinity();
-  if (value > kHighest) return kInfinity;
-  if (value < -kHighest) return -kInfinity;
+  // Half a step above the highest float. Below it lies what the digits of that float read as.
+  constexpr double kBeyond = 0x1.ffffffp127;
+  if (value > static_cast<double>(kHighest)) return value < kBeyond ? kHighest : kInfinity;
+  if (value < -static_cast<double>(kHighest)) return value > -kBeyond ? -kHighest : -kInfinity;
   return static_cast<float>(value);
 }
 

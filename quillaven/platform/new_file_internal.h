@@ -13,8 +13,11 @@
 
 class NewFile {
  public:
+  /// What a file is opened for: a place that may be written alone refuses the second.
+  enum class Access { kWrite, kReadAndWrite };
+
   /// Opens the file; IsOpen tells whether that succeeded.
-  explicit NewFile(char const *path);
+  explicit NewFile(char const *path, Access access = Access::kWrite);
   /// Closes the file if Close was not called; the last error stays.
   ~NewFile();
   NewFile(NewFile const &) = delete;

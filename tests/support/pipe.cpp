@@ -27,7 +27,7 @@ Pipe::~Pipe() {
   m_sender.join();
 }
 
-void Pipe::Send() const {
+void Pipe::Send() {
   HANDLE const handle = reinterpret_cast<HANDLE>(m_handle);
   if (::ConnectNamedPipe(handle, nullptr) || ::GetLastError() == ERROR_PIPE_CONNECTED) {
     DWORD written = 0;
@@ -53,17 +53,19 @@ Pipe::Pipe(std::string bytes) : m_name(m_directory.Path("pipe")), m_bytes(std::m
 // Should no one have read, this is the reader that the sender waits for.
 Pipe::~Pipe() {
   int const reader = ::open(m_name.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+  m_opened.get_future().wait();
   if (reader != -1) ::close(reader);
   m_sender.join();
 }
 
-void Pipe::Send() const {
+void Pipe::Send() {
   // A reader that stops early ends a write, and not the program.
   sigset_t signals;
   ::sigemptyset(&signals);
   ::sigaddset(&signals, SIGPIPE);
   ::pthread_sigmask(SIG_BLOCK, &signals, nullptr);
   int const handle = ::open(m_name.c_str(), O_WRONLY | O_CLOEXEC);
+  m_opened.set_value();
   char const *at = m_bytes.data();
   for (std::size_t left = m_bytes.size(); left > 0;) {
     ssize_t const written = ::write(handle, at, left);

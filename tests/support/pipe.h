@@ -6,6 +6,7 @@
 #pragma once
 
 #include <cstdint>
+#include <future>
 #include <string>
 #include <thread>
 
@@ -22,11 +23,12 @@ class Pipe {
   std::string const &Name() const { return m_name; }
 
  private:
-  void Send() const;
+  void Send();
 
   TemporaryDirectory m_directory;
   std::string m_name;
   std::string m_bytes;
   std::intptr_t m_handle = -1;  // where the system makes the end that is written to at once
+  std::promise<void> m_opened;  // the sender's end
   std::thread m_sender;
 };

@@ -5,7 +5,7 @@
 //
 // Each event goes to LOG, a line each. It refuses the command "[REFUSE]" and data for the cell "REFUSE".
 // It gives no answer to "[WAIT]" and to data for the cell "WAIT", and ends when those who wait have
-// left; else on "[QUIT()]", or after 20 seconds.
+// left; else on "[QUIT()]". In any case it ends after 20 seconds.
 
 #include <cstdio>
 #include <cstdlib>
@@ -59,11 +59,20 @@ HDDEDATA AnyTopic() {
                                nullptr, 0, 0);
 }
 
+// Takes the next message, and says whether the server is to go on.
+bool GoOn() {
+  MSG message;
+  if (::GetMessageA(&message, nullptr, 0, 0) <= 0) return false;
+  if (message.message == WM_TIMER && message.hwnd == nullptr) return false;  // its time is over
+  ::DispatchMessageA(&message);
+  return true;
+}
+
 // Serves the other conversations until none waits, and ends: no one is left to answer.
 [[noreturn]] void GiveNoAnswer() {
   ++g_waiting;
-  MSG message;
-  while (g_waiting > 0 && ::GetMessageA(&message, nullptr, 0, 0) > 0) ::DispatchMessageA(&message);
+  while (g_waiting > 0 && GoOn()) {
+  }
   std::_Exit(0);
 }
 
@@ -113,10 +122,7 @@ int main(int argc, char **argv) {
   Log("ready");
   constexpr UINT kLongestLife = 20000;
   ::SetTimer(nullptr, 0, kLongestLife, nullptr);
-  MSG message;
-  while (::GetMessageA(&message, nullptr, 0, 0) > 0) {
-    if (message.message == WM_TIMER && message.hwnd == nullptr) break;
-    ::DispatchMessageA(&message);
+  while (GoOn()) {
   }
   ::DdeNameService(g_instance, nullptr, nullptr, DNS_UNREGISTER);
   ::DdeUninitialize(g_instance);

@@ -65,7 +65,7 @@ TEST(SpreadsheetLink, UsedFromABoxOfItselfEndsEveryConversation) {
   EXPECT_EQ(LinesThatBegin(log, "connect"), 2) << log;
   EXPECT_EQ(LinesThatBegin(log, "disconnect"), 2) << log;
   XLLINK::excel_command("[QUIT()]");
-  ::WaitForSingleObject(server, INFINITE);
+  EXPECT_EQ(::WaitForSingleObject(server, 30000), WAIT_OBJECT_0);
   ::CloseHandle(server);
 }
 

@@ -23,12 +23,12 @@ void RunWithAFullRecord(std::string command, HANDLE output) {
   PROCESS_INFORMATION process{};
   ASSERT_TRUE(::CreateProcessA(nullptr, command.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr,
                                &start, &process));
-  ::WaitForSingleObject(process.hProcess, INFINITE);
+  EXPECT_EQ(::WaitForSingleObject(process.hProcess, 30000), WAIT_OBJECT_0);
   ::CloseHandle(process.hThread);
   ::CloseHandle(process.hProcess);
 }
 
-TEST(StartRecord, OfAProgramThatIsLaunchedHasNothingOfTheHandlesOfItsParent) {
+TEST(StartRecord, OfAProgramThatIsLaunchedHasItsTitleAndShowStateAndNoHandleOfItsParent) {
   TemporaryDirectory const directory;
   SECURITY_ATTRIBUTES inherited{sizeof inherited, nullptr, TRUE};
   HANDLE const output = ::CreateFileA(directory.Path("output").c_str(), GENERIC_WRITE, 0,
@@ -41,13 +41,15 @@ TEST(StartRecord, OfAProgramThatIsLaunchedHasNothingOfTheHandlesOfItsParent) {
   std::istringstream record(directory.Read("record"));
   DWORD flags = 0;
   std::string title;
+  WORD showState = 0;
   int bytes = -1;
   record >> flags;
   std::getline(record >> std::ws, title);
-  record >> bytes;
+  record >> showState >> bytes;
   constexpr DWORD kPassedOn = STARTF_USEPOSITION | STARTF_USESHOWWINDOW;
   EXPECT_EQ(flags, kPassedOn);
   EXPECT_EQ(title, launched);
+  EXPECT_EQ(showState, SW_SHOWMINNOACTIVE);
   EXPECT_EQ(bytes, 0);
 }
 

@@ -4,8 +4,16 @@
 
 #include <quillaven/platform/new_file_internal.h>
 
-NewFile::NewFile(char const *path)
-    : m_handle(::open(path, O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC, 0666)) {}
+namespace {
+
+int ModeOf(NewFile::Access access) {
+  return access == NewFile::Access::kWrite ? O_WRONLY : O_RDWR;
+}
+
+}  // namespace
+
+NewFile::NewFile(char const *path, Access access)
+    : m_handle(::open(path, ModeOf(access) | O_CREAT | O_TRUNC | O_CLOEXEC, 0666)) {}
 
 NewFile::~NewFile() {
   int const lastError = errno;

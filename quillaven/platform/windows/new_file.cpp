@@ -3,11 +3,19 @@
 
 #include <quillaven/platform/new_file_internal.h>
 
+namespace {
+
+DWORD AccessRights(NewFile::Access access) {
+  return access == NewFile::Access::kWrite ? GENERIC_WRITE : GENERIC_READ | GENERIC_WRITE;
+}
+
+}  // namespace
+
 // INVALID_HANDLE_VALUE is -1 as a number.
-NewFile::NewFile(char const *path)
-    : m_handle(reinterpret_cast<std::intptr_t>(::CreateFileA(path, GENERIC_READ | GENERIC_WRITE, 0,
-                                                             nullptr, CREATE_ALWAYS,
-                                                             FILE_ATTRIBUTE_NORMAL, nullptr))) {}
+NewFile::NewFile(char const *path, Access access)
+    : m_handle(reinterpret_cast<std::intptr_t>(::CreateFileA(
+          path, AccessRights(access), 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr))) {
+}
 
 NewFile::~NewFile() {
   DWORD const lastError = ::GetLastError();
