@@ -89,7 +89,7 @@ void WriteBytes(std::string const &file, std::string const &bytes, std::string c
 // The path of the backup.
 std::string WriteBack(std::string const &file, std::string const &bytes) {
   try {
-    std::string const backup = KeepBackup(file);
+    std::string backup = KeepBackup(file);
     WriteBytes(file, bytes, ", the old file is " + backup);
     return backup;
   } catch (Failure const &failure) {
