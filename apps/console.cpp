@@ -20,8 +20,10 @@ int Console::DoMessageBox(char const *text, char const *title, unsigned int /*ty
   return 1;
 }
 
-void Console::ThrowIfBoxShown() const {
-  if (!m_firstBox.empty()) throw Failure(m_firstBox);
+void Console::ThrowIfBoxShown(std::string const &file) const {
+  if (m_firstBox.empty()) return;
+  bool const isNamed = m_firstBox.find(file) != std::string::npos;
+  throw Failure(isNamed ? m_firstBox : "'" + file + "': " + m_firstBox);
 }
 
 void Console::WarnIfBoxShown(std::string const &what) {

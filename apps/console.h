@@ -33,8 +33,10 @@ class Console : public CApplication {
   Console(Console const &) = delete;
   Console &operator=(Console const &) = delete;
 
-  /// The first box ends the command: thrown as a Failure once the library call is over.
-  void ThrowIfBoxShown() const;
+  /// The first box ends the command: thrown as a Failure once the library call is over, behind the
+  /// file that the call worked on, unless there is none or the box names it.
+  void ThrowIfBoxShown(std::string const &file) const;
+  std::string const &FirstBox() const { return m_firstBox; }
   /// Prints the first box as a warning on what the call worked on, and forgets it.
   void WarnIfBoxShown(std::string const &what);
 

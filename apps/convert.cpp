@@ -1,4 +1,6 @@
 #include <cstdio>
+#include <string>
+#include <vector>
 
 #include "apps/commands.h"
 #include "apps/console.h"
@@ -13,12 +15,19 @@ RasterKind RequireKind(std::string const &file) {
   return *kind;
 }
 
+std::vector<std::string> FilesOf(std::string const &file, RasterKind kind) {
+  if (kind != RasterKind::kIdrisi) return {file};
+  return {IdrisiDocument(file), IdrisiImage(file)};
+}
+
 template <class T>
 void ConvertThrough(CMatrixBaseMap<T> &map, CMultiScaleMatrix<T> const &raster,
                     ConvertOptions const &options, Console const &console) {
   Progress progress(2);
   RasterKind const from = RequireKind(options.in);
   RasterKind const to = RequireKind(options.out);
+  for (std::string const &in : FilesOf(options.in, from))
+    for (std::string const &out : FilesOf(options.out, to)) RequireOtherFile(in, out);
   progress.Step("reading " + options.in);
   LoadRaster(map, options.in, from, console);
   progress.Step("writing " + options.out);

@@ -52,6 +52,7 @@ void Draw(DrawOptions const &options) {
   bool const isPng = IsPng(options.picture);
   std::string const helpDirectory = HelpDirectory(options.helpDirectory);
   RequireGrid(options.grid);
+  RequireOtherFile(options.grid, options.picture);
   RequireLegend(helpDirectory, options.legend);
 
   Console const console(helpDirectory);
@@ -65,7 +66,7 @@ void Draw(DrawOptions const &options) {
 
   progress.Step("reading " + options.grid);
   int const read = map.OnFileImport(options.grid.c_str(), kAsciiGrid);
-  console.ThrowIfBoxShown();
+  console.ThrowIfBoxShown(options.grid);
   long long const cells = static_cast<long long>(raster.NRows()) * raster.NCols();
   if (!HasCells(raster.NRows(), raster.NCols()) ||
       (read == 0 && !GridIsComplete(options.grid, cells)))
@@ -76,7 +77,7 @@ void Draw(DrawOptions const &options) {
   auto const drawTo = [&](std::string const &bitmap) {
     int const drawn =
         map.WriteBitmap(bitmap.c_str(), options.zoom, WholeOf(raster), options.stamp.c_str());
-    console.ThrowIfBoxShown();
+    console.ThrowIfBoxShown(bitmap);
     if (drawn == 0) throw Failure("cannot write '" + bitmap + "'");
   };
   if (!isPng) return drawTo(options.picture);

@@ -43,6 +43,15 @@ void RequirePlainFile(std::string const &file) {
   RequireReadable(file);
 }
 
+// A terminal may well be both.
+void RequireOtherFile(std::string const &in, std::string const &out) {
+  std::error_code none;
+  std::string const path = SystemPath(out);
+  if (std::filesystem::is_regular_file(path, none) &&
+      std::filesystem::equivalent(SystemPath(in), path, none))
+    throw BadArguments("'" + out + "' is the file that is read: choose another one to write");
+}
+
 bool IsGrid(std::string const &file) {
   std::ifstream stream(SystemPath(file));
   std::string start(64, '\0');

@@ -18,6 +18,10 @@ inline bool HasCells(int rows, int cols) {
 /// The same for a file that is read more than once, which no pipe can be.
 void RequirePlainFile(std::string const &file);
 
+/// Throws BadArguments if what is to be written is the file that is read, under whatever name: a file
+/// is lost when its own reader writes over it and fails.
+void RequireOtherFile(std::string const &in, std::string const &out);
+
 /// Whether a file begins as an ASCII grid.
 bool IsGrid(std::string const &file);
 

@@ -23,6 +23,8 @@ namespace {
 
 constexpr int kAsciiGrid = 1;
 constexpr std::size_t kClassesShown = 20;
+constexpr char kNoText[] =
+    "malformed input";  // what a text of an Idrisi document is without a value
 
 std::string FirstBytes(std::string const &file, std::size_t count) {
   std::ifstream stream(SystemPath(file), std::ios::binary);
@@ -62,7 +64,7 @@ void PrintGrid(std::string const &file) {
   CFloatMatrixBaseMap map;
   map.Attach("", "", &raster, nullptr, false);
   int const read = map.OnFileImport(file.c_str(), kAsciiGrid);
-  console.ThrowIfBoxShown();
+  console.ThrowIfBoxShown(file);
   long long const cells = static_cast<long long>(raster.NRows()) * raster.NCols();
   bool const complete =
       HasCells(raster.NRows(), raster.NCols()) && (read != 0 || GridIsComplete(file, cells));
@@ -83,7 +85,7 @@ void PrintPalette(std::string const &file) {
   Console const console(HelpDirectory(""));
   std::vector<unsigned long> palette;
   bool const read = ReadIdrisiPalette(file.c_str(), palette);
-  console.ThrowIfBoxShown();
+  console.ThrowIfBoxShown(file);
   if (!read) throw Failure("the indices of palette '" + file + "' are out of order");
   std::printf("Idrisi palette\ncolours   %zu\n", palette.size());
   PrintColors(palette);
@@ -163,7 +165,7 @@ std::string PrintLegend(std::string const &file) {
     CMultiScaleFloatMatrix raster;
     CFloatMatrixBaseMap map;
     map.Attach("", "", &raster, "legend.txt", false);
-    console.ThrowIfBoxShown();
+    console.ThrowIfBoxShown("");
     PrintItems(map);
     return "";
   } catch (Failure const &failure) {
@@ -185,10 +187,12 @@ bool PrintedAsTable(std::string const &file) {
   }
 }
 
-// No table can be read as a legend: its lines have too few numbers.
+// No table can be read as a legend: its lines have too few numbers. Vector text goes first, as its
+// numbers may pass as those of a table.
 void PrintText(std::string const &file) {
+  if (DescribedAsVectorText(file)) return;
   std::string const reason = PrintLegend(file);
-  if (!reason.empty() && !PrintedAsTable(file))
+  if (!reason.empty() && !PrintedAsTable(file) && !DescribedAsYears(file))
     throw Failure("'" + file + "' is of no kind that is known here; as a legend: " + reason);
 }
 
@@ -196,9 +200,11 @@ void PrintText(std::string const &file) {
 void PrintIdrisi(std::string const &file) {
   Console const console(HelpDirectory(""));
   CIdrisiImageHeader header = ReadIdrisiDocument(file, console);
-  std::printf("Idrisi image\ntitle     %s\ntype      %s, %s\nrows      %d\ncolumns   %d\n",
-              header.Title(), header.DataType(), header.FileType(), header.Rows(),
-              header.Columns());
+  std::string const title = header.Title();
+  std::printf("Idrisi image\n");
+  if (title != kNoText) std::printf("title     %s\n", title.c_str());
+  std::printf("type      %s, %s\nrows      %d\ncolumns   %d\n", header.DataType(),
+              header.FileType(), header.Rows(), header.Columns());
   std::printf("corners   %g %g to %g %g\nvalues    %g to %g\nflag      %s, %s\n", header.MinX(),
               header.MinY(), header.MaxX(), header.MaxY(), header.MinValue(), header.MaxValue(),
               header.FlagValue(), header.FlagDefinition());

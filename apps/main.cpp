@@ -39,9 +39,10 @@ void AddDraw(CLI::App &program, DrawOptions &options) {
 void AddInfo(CLI::App &program, std::string &file) {
   CLI::App *command = program.add_subcommand("info", "Tell what a file holds");
   command
-      ->add_option(
-          "file", file,
-          "A grid, Idrisi pair, map file, legend, palette, network, function table, bitmap or PNG")
+      ->add_option("file", file,
+                   "A grid, Idrisi pair, map file, legend, palette, network, its vector text or "
+                   "years, function "
+                   "table, bitmap or PNG")
       ->required();
   command->footer("Example: quillaven info landuse.asc");
   command->callback([&file] { Info(file); });
@@ -52,13 +53,17 @@ void AddConvert(CLI::App &program, ConvertOptions &options) {
       "convert",
       "Convert a raster between grids (.asc), Idrisi pairs (.doc, .img) and maps (.qmp)");
   command->add_option("in", options.in, "The file to read")->required();
-  command->add_option("out", options.out, "The file to write")->required();
+  command->add_option("out", options.out, "The file to write, another than that")->required();
   command->add_option("--type", options.type, "Cells as float, short or byte")
       ->check(CLI::IsMember({"float", "short", "byte"}))
       ->capture_default_str();
   command->add_flag("--as-byte", options.asByte,
                     "Write an Idrisi image of float cells as bytes; with nothing else");
-  command->footer("Example: quillaven convert landuse.asc landuse.doc --type byte");
+  command->footer(
+      "Position and size of the cells are not kept: a grid is written with its corner at 0 0 and "
+      "cells "
+      "of\nsize 1, an Idrisi pair from 0 to 1, and a map has neither.\n\n"
+      "Example: quillaven convert landuse.asc landuse.doc --type byte");
   command->callback([&options] { Convert(options); });
 }
 
@@ -156,6 +161,13 @@ void AddNetwork(CLI::App &program, NetworkOptions &options) {
   command->footer("Example: quillaven network check all.bin");
 }
 
+std::string WithoutDoubleBlankLines(CLI::App const *command, std::string const &name,
+                                    CLI::AppFormatMode mode) {
+  std::string help = CLI::Formatter().make_help(command, name, mode);
+  for (std::size_t at = 0; (at = help.find("\n\n\n")) != std::string::npos;) help.erase(at, 1);
+  return help;
+}
+
 CLI::App *AddTableCommand(CLI::App &tables, TableOptions &options, char const *name,
                           char const *what, void (*run)(TableOptions const &)) {
   CLI::App *command = tables.add_subcommand(name, what);
@@ -191,8 +203,13 @@ void AddTable(CLI::App &program, TableOptions &options) {
                                    "Shape a table with the mouse; the old file is kept", TableEdit);
   edit->add_option("--number", options.table, "The same as --table")
       ->check(CLI::Range(1, 1000000))
-      ->excludes(edit->get_option("--table"))
       ->group("");  // an older name, not shown
+  edit->callback([&options, edit] {
+    if (edit->count("--number") > 0 && edit->count("--table") > 0)
+      throw BadArguments("--table excludes --number, its older name");
+    TableEdit(options);
+  });
+  edit->formatter_fn(WithoutDoubleBlankLines);  // the group that is not shown leaves one
   edit->footer("Example: quillaven table edit demand.txt --table 1");
 }
 

@@ -17,7 +17,7 @@ namespace {
 void ReadNetwork(Console const &console, CNetwork &network, std::string const &file) {
   RequireReadable(file);
   bool const read = network.Read(file.c_str());
-  console.ThrowIfBoxShown();
+  console.ThrowIfBoxShown(file);
   if (!read) throw Failure("'" + file + "' ends before its last record");
 }
 
@@ -45,7 +45,7 @@ template <class Write>
 void WriteChecked(Console const &console, std::string const &out, Write write) {
   ScratchFile const scratch;
   write(scratch.Path().c_str());
-  console.ThrowIfBoxShown();
+  console.ThrowIfBoxShown(out);
   scratch.WriteTo(out);
 }
 
@@ -68,6 +68,7 @@ std::set<int> YearsIn(std::string const &file) {
 }  // namespace
 
 void ImportNetwork(NetworkOptions const &options) {
+  for (std::string const &file : options.texts) RequireOtherFile(file, options.out);
   Console console(HelpDirectory(""));
   CNetwork network;
   if (!options.network.empty()) ReadNetwork(console, network, options.network);
@@ -77,7 +78,7 @@ void ImportNetwork(NetworkOptions const &options) {
     progress.Step("reading " + file);
     // A file without a line break behind its end shows a box and is read well.
     if (!network.ReadAsciiFile(file.c_str(), static_cast<unsigned char>(options.type)))
-      console.ThrowIfBoxShown();
+      console.ThrowIfBoxShown(file);
     progress.Clear();
     console.WarnIfBoxShown(file);
   }
@@ -88,6 +89,7 @@ void ImportNetwork(NetworkOptions const &options) {
 }
 
 void ExportNetwork(NetworkOptions const &options) {
+  RequireOtherFile(options.network, options.out);
   Console const console(HelpDirectory(""));
   CNetwork network;
   ReadNetwork(console, network, options.network);
@@ -97,6 +99,7 @@ void ExportNetwork(NetworkOptions const &options) {
 }
 
 void ReportNetwork(NetworkOptions const &options) {
+  if (!options.out.empty()) RequireOtherFile(options.network, options.out);
   Console const console(HelpDirectory(""));
   CNetwork network;
   ReadNetwork(console, network, options.network);
@@ -104,7 +107,7 @@ void ReportNetwork(NetworkOptions const &options) {
     return WriteChecked(console, options.out, [&](char const *file) { network.Report(file); });
   ScratchFile const scratch;
   network.Report(scratch.Path().c_str());
-  console.ThrowIfBoxShown();
+  console.ThrowIfBoxShown(options.network);
   scratch.RequireRoom();
   std::ifstream report(scratch.Path());
   for (std::string line; std::getline(report, line);) std::printf("%s\n", line.c_str());
@@ -118,21 +121,40 @@ void DescribeNetwork(std::string const &file) {
   std::printf("Network\nnodes     %lu\nlinks     %lu\n", used.nodes, used.links);
 }
 
+bool DescribedAsVectorText(std::string const &file) {
+  Console const console(HelpDirectory(""));  // a box for what is no vector text ends here
+  CNetwork network;
+  if (!network.ReadAsciiFile(file.c_str(), 0)) return false;
+  Used const used = CountUsed(network);
+  std::printf("Network vector text\nnodes     %lu\nlinks     %lu\n", used.nodes, used.links);
+  return true;
+}
+
+bool DescribedAsYears(std::string const &file) {
+  std::set<int> const years = YearsIn(file);
+  if (years.empty()) return false;
+  std::printf("Years of a network\nyears    ");
+  for (int const year : years) std::printf(" %d", year);
+  std::printf("\n");
+  return true;
+}
+
 void ReplayYears(NetworkOptions const &options) {
   RequireReadable(options.definitions);
   Console const console(HelpDirectory(""));
   CNetwork network;
   std::string const base = std::filesystem::absolute(options.definitions).string();
   network.LoadTemporalDataDefinition(options.definitions.c_str(), base.c_str());
-  console.ThrowIfBoxShown();
+  console.ThrowIfBoxShown(options.definitions);
   std::set<int> const told = YearsIn(options.definitions);
-  if (options.year && !told.empty() && *options.year < *told.begin())
+  if (told.empty()) throw Failure("'" + options.definitions + "' tells of no years");
+  if (options.year && *options.year < *told.begin())
     std::fprintf(stderr, "quillaven: warning: '%s' begins with the year %d\n",
                  options.definitions.c_str(), *told.begin());
   std::set<int> const years = options.year ? std::set<int>{*options.year} : told;
   for (int const year : years) {
     bool const loaded = network.LoadTemporalData(year);
-    console.ThrowIfBoxShown();
+    console.ThrowIfBoxShown(options.definitions);
     if (!loaded)
       throw Failure("a network file of the year " + std::to_string(year) + " ends early");
     Used const used = CountUsed(network);

@@ -25,6 +25,10 @@ void ExportNetwork(NetworkOptions const &options);
 void ReportNetwork(NetworkOptions const &options);
 /// Prints how much a network file holds.
 void DescribeNetwork(std::string const &file);
+/// The same of vector text, and the years of a definitions file; false, and nothing is printed, for a file
+/// that is none.
+bool DescribedAsVectorText(std::string const &file);
+bool DescribedAsYears(std::string const &file);
 /// Replays the years of a definitions file, or one of them, and prints what each holds.
 void ReplayYears(NetworkOptions const &options);
 /// Prints the node and the link nearest to a position.

@@ -127,7 +127,7 @@ CIdrisiImageHeader ReadIdrisiDocument(std::string const &file, Console const &co
   std::string const document = IdrisiDocument(file);
   CIdrisiImageHeader header;
   bool const read = header.ReadFile(document.c_str());
-  console.ThrowIfBoxShown();
+  console.ThrowIfBoxShown(document);
   if (!read) throw Failure("'" + document + "' ends before its last line");
   return header;
 }
@@ -158,7 +158,7 @@ void LoadRaster(CMatrixBaseMap<T> &map, std::string const &file, RasterKind kind
   if (kind == RasterKind::kIdrisi) RequireReadablePair(file, console);
   int const read =
       map.OnFileImport(file.c_str(), kind == RasterKind::kGrid ? kGridFormat : kIdrisiFormat);
-  console.ThrowIfBoxShown();
+  console.ThrowIfBoxShown(file);
   // A grid that asks for more cells than it could hold leaves none behind.
   bool const none = !HasCells(map.NRows(), map.NCols());
   if (none && read != 0) throw Failure("'" + file + "' holds no cells");
@@ -177,7 +177,7 @@ void StoreRaster(CMatrixBaseMap<T> &map, std::string const &file, RasterKind kin
   bool const isGrid = kind == RasterKind::kGrid;
   if (isGrid) RequireCheckableTarget(file);
   int const written = map.OnFileExport(file.c_str(), isGrid ? kGridFormat : kIdrisiFormat);
-  console.ThrowIfBoxShown();
+  console.ThrowIfBoxShown(file);
   if (written == 0) throw Failure("cannot write '" + file + "'");
   if (isGrid) RequireWrittenGrid(file, CellsOf(map));
 }

@@ -9,6 +9,7 @@
 #include "apps/canvas.h"
 #include "apps/commands.h"
 #include "apps/console.h"
+#include "apps/files.h"
 #include "apps/table_file.h"
 
 namespace {
@@ -148,12 +149,14 @@ void TableEval(TableOptions const &options) {
 
 void TablePlot(TableOptions const &options) {
   auto const canvas = MakeCanvas(options.out, Plot::kWidth, Plot::kHeight);
+  RequireOtherFile(options.file, options.out);
   CSpline table = ReadTable(options.file, options.table).table;
   Plot(table, *canvas).Draw();
   canvas->Save(options.out);
 }
 
 void TableConvert(TableOptions const &options) {
+  RequireOtherFile(options.file, options.out);  // which may hold more tables than one
   CSpline table = ReadTable(options.file, options.table).table;
   WriteTextFile(options.out, [&](CStdioFile &out) {
     if (options.form == "tagged") {
@@ -162,4 +165,5 @@ void TableConvert(TableOptions const &options) {
       table.OnWrite2(out);
     }
   });
+  if (options.form == "compact") WarnOfCompactForm(options.out, table);
 }

@@ -9,6 +9,7 @@
 
 #include "apps/commands.h"
 #include "apps/console.h"
+#include "apps/files.h"
 #include "apps/table_file.h"
 
 #if defined(QUILLAVEN_HAS_DESKTOP)
@@ -96,6 +97,16 @@ std::string WriteBack(std::string const &file, std::string const &bytes) {
   }
 }
 
+// A file that can no longer be read is another one.
+bool StillHolds(std::string const &file, std::string const &bytes) {
+  try {
+    RequirePlainFile(file);
+    return BytesOf(file) == bytes;
+  } catch (std::exception const &) {
+    return false;
+  }
+}
+
 void RequireWhole(TableInFile const &found, TableOptions const &options) {
   if (found.cut)
     throw Failure("'" + options.file + itostr("': a line of table %d ", options.table) +
@@ -110,6 +121,7 @@ void RequireWhole(TableInFile const &found, TableOptions const &options) {
 
 // The other tables of the file stay byte for byte.
 void TableEdit(TableOptions const &options) {
+  RequirePlainFile(options.file);
   std::string const bytes = BytesOf(options.file);
   TableInFile found = ReadTable(options.file, options.table);
   RequireWhole(found, options);
@@ -120,16 +132,14 @@ void TableEdit(TableOptions const &options) {
   std::string const lines = TextOfTable(found);
   std::string const edited = found.before + lines + found.behind;
   // Another program may have written the file while the window was open. Neither work is lost.
-  if (BytesOf(options.file) != bytes)
+  if (!StillHolds(options.file, bytes))
     WriteElsewhere(
         options.file, edited,
         "'" + options.file + "' has changed while its table was edited; it stays as it is now");
   std::string const backup = WriteBack(options.file, edited);
   std::printf("%s: table %d written, the old file is %s\n", options.file.c_str(), options.table,
               backup.c_str());
-  if (!found.tagged && !found.table.TableLinear())
-    std::printf("%s: this form of file holds no type; the table is read as straight lines\n",
-                options.file.c_str());
+  if (!found.tagged) WarnOfCompactForm(options.file, found.table);
   if (found.tagged && HasLongLine(lines))
     std::printf("%s: the table has a line that is too long to be read whole again\n",
                 options.file.c_str());

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
@@ -138,6 +139,17 @@ bool HasLongLine(std::string const &lines) {
   for (std::size_t begin = 0; begin < lines.size(); begin = BehindLine(lines, begin))
     if (LineAt(lines, begin).size() > kLongestLine + 1) return true;
   return false;
+}
+
+void WarnOfCompactForm(std::string const &file, CSpline &table) {
+  if (table.GetSize() == 0) return;
+  auto const from = static_cast<float>(table.GetXAt(0));
+  auto const to = static_cast<float>(table.GetXAt(table.GetSize() - 1));
+  if (table.TableLinear() && table.MinX() == from && table.MaxX() == to) return;
+  std::fprintf(stderr,
+               "quillaven: warning: '%s': the compact form holds neither type nor limits of x; the "
+               "table is read as straight lines from %s to %s\n",
+               file.c_str(), ftostr("%g", from).c_str(), ftostr("%g", to).c_str());
 }
 
 TableInFile ReadTable(std::string const &file, int n) {

@@ -32,6 +32,10 @@ std::string TextOfTable(TableInFile &found);
 /// Whether a line is longer than a table in tagged form is read.
 bool HasLongLine(std::string const &lines);
 
+/// Tells in one line on standard error what a table loses in compact form: a spline, and limits of x that
+/// are not those of its points. Nothing where it loses neither.
+void WarnOfCompactForm(std::string const &file, CSpline &table);
+
 std::string BytesOf(std::string const &file);
 
 /// Makes a file with what is written; throws a Failure that names it and the system's reason.

@@ -58,6 +58,8 @@ TEST_F(FormatExamples, StandInTheirPagesAsTheyAre) {
   EXPECT_TRUE(stands("idrisi-pair.md", "landuse.doc"));
   EXPECT_EQ(BytesInPage("idrisi-pair.md"), Bytes(kExamples + "/landuse.img"));
   EXPECT_EQ(BytesInPage("map-file.md"), Bytes(kExamples + "/ones.qmp"));
+  EXPECT_EQ(BytesInPage("palette.md") + std::string(759, '\0'),
+            Bytes(kExamples + "/Palettes/Primary.smp"));
 }
 
 TEST_F(FormatExamples, MapFileIsReadAndWrittenBackByteForByte) {

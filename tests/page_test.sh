@@ -13,12 +13,19 @@ if [ -z "$browser" ]; then
 fi
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
+# What is negated, or stands before "&&", never ends a script by itself.
+fail() {
+  echo "FAILED: $1" >&2
+  exit 1
+}
+
 # Under a terminal, if there is "script" to make one: the steps must end where they said they would.
 if command -v script > /dev/null; then
   script -qefc "'$program' demo --out '$work/demo'" /dev/null > "$work/terminal" < /dev/null
-  last=$(grep -ao '\[[0-9]*/[0-9]*\]' "$work/terminal" | tail -n 1)
+  last=$(grep -ao '\[[0-9]*/[0-9]*\]' "$work/terminal" | tail -n 1 || true)
   echo "last step: $last"
-  [[ "$last" =~ ^\[([0-9]+)/([0-9]+)\]$ ]] && [ "${BASH_REMATCH[1]}" = "${BASH_REMATCH[2]}" ]
+  [[ "$last" =~ ^\[([0-9]+)/([0-9]+)\]$ && "${BASH_REMATCH[1]}" = "${BASH_REMATCH[2]}" ]] ||
+    fail "the steps end at '$last'"
 else
   "$program" demo --out "$work/demo" > "$work/terminal"
 fi
@@ -29,7 +36,7 @@ tr -d '\r' < "$work/terminal" | grep -qxF "Open this page in a browser: $work/de
 grep -q "Seed of the chance: 1995" "$work/demo/index.html"
 grep -q "Seed of the chance: 7\." "$work/other/index.html"
 grep -q "with seed 7$" "$work/other.txt"
-! cmp -s "$work/demo/growth-2003.bmp" "$work/other/growth-2003.bmp"
+! cmp -s "$work/demo/growth-2003.bmp" "$work/other/growth-2003.bmp" || fail "another seed gives the same years"
 cmp "$work/demo/growth-1994.bmp" "$work/other/growth-1994.bmp"
 
 # Railways are black and planned links blue in the years that have them, and in no other.

@@ -106,7 +106,7 @@ head -c 400 "$grid" > cut.asc
 expect_line "ends before its last cell" 1 draw cut.asc --legend Landuse --out a.bmp
 printf '\000\001\002binary\377' > binary.dat
 expect_line "of no kind that is known" 1 info binary.dat
-expect_line "Save bitmap: No such file or directory" 1 draw "$small" --legend Intervals --help-dir "$help_dir" \
+expect_line "'nowhere/a.bmp': Save bitmap: No such file or directory" 1 draw "$small" --legend Intervals --help-dir "$help_dir" \
   --out nowhere/a.bmp
 printf '[IDRISI]' > cut.smp
 expect_same "no picture is left of all that" "$(ls ./*.bmp 2>/dev/null)" ""
@@ -173,6 +173,9 @@ expect_output "cells     byte" info country.qmp
 expect_output "992 rows, 500 columns" convert "$grid" country.doc
 expect_output "type      real, binary" info country.img
 expect_output "flag      -9999, NODATA" info country.doc
+expect_same "a title that is not there" "$(grep -c '^title\|malformed' out.txt)" 0
+sed 's/^\(file title  : \).*/\1The country/' country.doc > titled.doc && cp country.img titled.img
+expect_output "title     The country" info titled.doc
 expect_output "992 rows, 500 columns" convert country.img country-again.qmp
 expect_output "cells     float" info country-again.qmp
 expect_output "992 rows, 500 columns" convert country-again.qmp country-again.asc
@@ -192,6 +195,30 @@ expect_failure_behind_output "cannot open 'country.img': No such file or directo
 head -n 12 country.doc > cut.doc
 expect_line "'cut.doc' ends before its last line" 1 info cut.doc
 expect_line "'cut.doc' ends before its last line" 1 convert cut.doc a.asc
+
+# No command writes over the file that it reads, under whatever name
+expect_same_file() {
+  local file=$1 before
+  shift
+  before=$(cksum < "$file")
+  expect_line "is the file that is read" 2 "$@"
+  expect_same "$file after: $*" "$(cksum < "$file")" "$before"
+}
+cp "$small" own.asc
+ln -s own.asc own-link.asc
+ln own.asc own.bmp
+expect_same_file own.asc convert own.asc own.asc
+expect_same_file own.asc convert own.asc ./own-link.asc
+expect_same_file own.asc draw own.asc --legend Intervals --help-dir "$help_dir" --out own.bmp
+expect_output "2 rows, 3 columns" convert own.asc own.doc
+expect_same_file own.img convert own.doc own.doc
+expect_same_file own.doc convert own.doc own.img
+ln -s own.img own-image.qmp
+expect_same_file own.img convert own.doc own-image.qmp
+cat "$source/data/tables/demand.txt" > own.svg
+expect_same_file own.svg table plot own.svg --out own.svg
+expect_same_file own.svg table convert own.svg --to compact --out own.svg
+expect_output "Position and size of the cells are not kept" convert --help
 
 # Types of cells, by the bytes of the image
 printf 'NCOLS 3\nNROWS 1\nX 0\nY 0\nC 1\nN -9999\n1 300 -2.5\n' > types.asc
@@ -323,6 +350,9 @@ expect_output "306 links unidirectional" network report country.bin
 checks=$((checks + 1))
 "$program" network export country.bin --type 3 --out rails.txt || fail "network export"
 expect_same "railways read and written" "$(cksum < rails.txt)" "$(cksum < "$country/net3.txt")"
+expect_same_file rails.txt network import rails.txt --type 3 --out rails.txt
+expect_same_file country.bin network export country.bin --type 3 --out country.bin
+expect_same_file country.bin network report country.bin --out country.bin
 expect_output "from node 630 to 631, id 251, type 2" network nearest country.bin 540000 5222000
 expect_output "2000: 3 nodes, 2 links" network years "$help_dir/network-years.txt"
 expect_output "1997: 2 nodes, 2 links" network years "$help_dir/network-years.txt" --year 1997
@@ -331,11 +361,13 @@ checks=$((checks + 1))
 expect_same "the warning of a year before the first" "$(cat err.txt)" \
   "quillaven: warning: '$help_dir/network-years.txt' begins with the year 1990"
 expect_output "1990: " network years "$help_dir/network-years.txt" --year 1990
+expect_line "demand.txt' tells of no years" 1 network years "$source/data/tables/demand.txt"
+expect_line "demand.txt' tells of no years" 1 network years "$source/data/tables/demand.txt" --year 1990
 expect_line "ubcommand is required (quillaven network --help tells more)" 2 network
 expect_line "--type" 2 network import rails.txt --type 256 --out a.bin
 expect_line "cannot open 'none.txt': No such file or directory" 1 network import none.txt --type 1 --out a.bin
-expect_line "Id of vector expected" 1 network import "$small" --type 1 --out a.bin
-expect_line "Incorrect header of the binary network file" 1 network report rails.txt
+expect_line "'$small': ArcInfo vector file: Id of vector expected" 1 network import "$small" --type 1 --out a.bin
+expect_line "'rails.txt': Read network: Incorrect header of the binary network file" 1 network report rails.txt
 head -c 5000 country.bin > cut.bin
 expect_line "ends before its last record" 1 network nearest cut.bin 0 0
 checks=$((checks + 1))
@@ -406,6 +438,10 @@ expect_same "years of a list without a last line break" "$(wc -l < out.txt)" 1
 # The demo, twice, with the same bytes
 expect_output "all 496000 cells agree" demo --out first
 expect_same "files of the demo" "$(ls first | wc -l)" 54
+for name in first/*.asc first/*.doc first/*.img first/*.bin first/*.txt first/growth-{1994,2003}.qmp; do
+  checks=$((checks + 1))
+  grep -qF -- "${name#first/}" first/index.html || fail "the page does not tell of $name"
+done
 # Times differ from run to run.
 untimed() { sed 's/, [0-9.]* s$//' "$1"; }
 untimed out.txt | sed 's/first/second/' > first.txt
@@ -429,6 +465,11 @@ checks=$((checks + 1))
 last_step=$(script -qec "'$program' demo --out third" /dev/null | grep -ao '\[[0-9]*/[0-9]*\]' | tail -n 1)
 [[ "$last_step" =~ ^\[([0-9]+)/([0-9]+)\]$ && "${BASH_REMATCH[1]}" = "${BASH_REMATCH[2]}" ]] ||
   fail "the progress of the demo ends at $last_step"
+# The demo tells why its first picture cannot be written
+checks=$((checks + 1))
+(trap '' XFSZ; ulimit -f 200; "$program" demo --out little) > out.txt 2> err.txt && fail "a demo without room ends well"
+expect_same "what it says" "$(cat err.txt)" \
+  "quillaven: cannot write 'little/1-one-scale.bmp': Save bitmap: File too large"
 expect_line "cannot make folder" 1 demo --out small.bmp/under-a-file
 
 # Function tables
@@ -453,6 +494,16 @@ checks=$((checks + 1))
 expect_same "the same table" "$(cksum < again.txt)" "$(cksum < "$tables/distance-decay.txt")"
 "$program" table convert "$tables/step.txt" --to compact --out again.txt || fail "table convert"
 expect_same "the same table" "$(cksum < again.txt)" "$(cksum < "$tables/step.txt")"
+# What the compact form has no place for is told: a spline, and limits of x that no point lies at
+expect_same "no warning" "$("$program" table convert "$tables/distance-decay.txt" --to compact --out again.txt 2>&1)" ""
+sed '2s/1990\t2040/1980\t2050/; 2s/^\t0/\t1/' "$tables/demand.txt" > wide.txt
+expect_same "limits changed" "$(sed -n 2p wide.txt | cut -f 2,4,5 | tr '\t' ' ')" "1 1980 2050"
+for table in "$tables/demand.txt" wide.txt; do
+  checks=$((checks + 1))
+  "$program" table convert "$table" --to compact --out again.txt > out.txt 2> err.txt || fail "table convert $table"
+  expect_same "the warning of $table" "$(cat err.txt)" "quillaven: warning: 'again.txt': the compact form holds \
+neither type nor limits of x; the table is read as straight lines from 1990 to 2040"
+done
 cat "$tables/distance-decay.txt" "$tables/demand.txt" > both.txt
 "$program" table convert both.txt --table 2 --to tagged --out again.txt || fail "table convert"
 expect_same "the second table" "$(tail -n +2 again.txt | cksum)" "$(tail -n +2 "$tables/demand.txt" | cksum)"
@@ -464,8 +515,18 @@ expect_line "there is no display to edit a table on" 1 table edit edited.txt
 expect_line "holds no table number 2" 1 table edit edited.txt --table 2
 expect_line "holds no table number 2" 1 table edit edited.txt --number 2
 expect_line "excludes" 2 table edit edited.txt --number 2 --table 2
+mkdir -p folder.txt
+expect_line "'folder.txt' is a folder" 1 table edit folder.txt
+plain_program=$program
+in_time() { timeout 20 "$plain_program" "$@"; }
+program=in_time
+expect_line "'pipe.qmp' is no plain file" 1 table edit pipe.qmp
+program=$plain_program
 checks=$((checks + 1))
 "$program" table edit --help | grep -q -- --number && fail "the older name of --table is shown"
+"$program" table edit --help > help.txt
+expect_same "what the older name leaves in the help" "$(grep -c 'Excludes' help.txt) $(cat -s help.txt | cksum)" \
+  "0 $(cksum < help.txt)"
 expect_same "the table" "$(cksum < edited.txt)" "$(cksum < "$tables/step.txt")"
 expect_same "no backup" "$(ls edited.txt.bak 2>/dev/null)" ""
 [ -z "$display" ] || export DISPLAY=$display
@@ -495,6 +556,9 @@ expect_output "form      compact" info "$tables/step.txt"
 expect_output "Network" info country.bin
 expect_same "what a network holds" "$(tail -n 1 out.txt)" "links     21500"
 expect_line "'cut.bin' ends before its last record" 1 info cut.bin
+expect_output "Network vector text" info "$country/net3.txt"
+expect_same "what vector text holds" "$(tail -n 1 out.txt)" "links     266"
+expect_output "years     1990 1995 2000" info "$help_dir/network-years.txt"
 printf '<html>text</html>\n' > page.html
 expect_line "'page.html' is of no kind that is known here; as a legend: contains bad char at column 1: '<html>" 1 \
   info page.html

@@ -3,8 +3,8 @@
 // The rule. A cell of open land may become residential. Its attraction is the sum over all settled
 // cells within 8 cells of a weight by distance, which a function table gives, times what that class
 // is worth to a neighbour. The attraction is shaken a little by chance. In the order of what comes
-// out, cells within reach of a road are built on, until the year's demand is met; the demand comes
-// from a second function table. Where no settlement is near, attraction is 0 throughout, and one
+// out, cells within reach of a road or railway are built on, until the year's demand is met; the demand
+// comes from a second function table. Where no settlement is near, attraction is 0 throughout, and one
 // value for a coarse block says so.
 
 #include <algorithm>
@@ -24,7 +24,7 @@ namespace {
 constexpr int kFirstYear = 1995;
 constexpr int kLastYear = 2003;
 constexpr int kReach = 8;                // cells that a settlement is felt across
-constexpr double kReachOfRoads = 250;    // metres from a road
+constexpr double kReachOfLinks = 250;    // metres from a road or railway
 constexpr double kDwellingsOnACell = 6;  // 25 m by 25 m
 constexpr unsigned char kResidential = 1;
 
@@ -213,7 +213,8 @@ class Growth {
     return candidates;
   }
 
-  bool IsInReachOfARoad(int row, int col) {
+  // In the years that are grown every link is one or the other: what was planned is a road by then.
+  bool IsInReachOfALink(int row, int col) {
     int const x = kWest + col * kCellSize + kCellSize / 2;
     int const y = kSouth + (m_land.NRows() - 1 - row) * kCellSize + kCellSize / 2;
     CNetwork::CLink const *link =
@@ -224,14 +225,14 @@ class Growth {
     auto const place = [](CNetwork::CNode const *node) {
       return CPoint{static_cast<int>(node->x), static_cast<int>(node->y)};
     };
-    return dPointToLineSegment({x, y}, place(a), place(b)) <= kReachOfRoads;
+    return dPointToLineSegment({x, y}, place(a), place(b)) <= kReachOfLinks;
   }
 
   int Build(std::vector<Candidate> const &candidates, int demand) {
     int built = 0;
     for (Candidate const &candidate : candidates) {
       if (built == demand) break;
-      if (!IsInReachOfARoad(candidate.row, candidate.col)) continue;
+      if (!IsInReachOfALink(candidate.row, candidate.col)) continue;
       m_land.At(candidate.row, candidate.col) = kResidential;
       ++built;
     }
@@ -341,7 +342,8 @@ void TellNetworkYears(CByteMatrixBaseMap &map, CNetwork &network, Output &output
   output.Chapter(
       "5. A network that changes from year to year",
       "Roads (red) and railways (black, bold) are one network of nodes and links, joined from "
-      "four files and asked for the nearest road of each cell above. A year is stored as what "
+      "four files and asked for the nearest road or railway of each cell above. A year is stored "
+      "as what "
       "changes in it, and any year can be loaded, forward and back. The real network stands for "
       "1990; two changes are invented: in 1995 the planned links (blue) are roads, and in "
       "2000 the railways are gone. Below is what the report on the network found.");
@@ -442,21 +444,23 @@ void TellRule(unsigned int seed, Output &output) {
                  "Seed of the chance: " +
                      std::to_string(seed) + ".");
   output.Lines({
-      "Only open land can become residential: fields, meadows, vineyards, and land not mapped.",
+      "Only open land can become residential: fields, meadows, vineyards, and land not mapped. "
+      "No other class changes, nor is told of below.",
       "Each cell is drawn to the settled cells within 8 cells (200 m) of it: their worth "
       "(dwellings 1, public "
       "facilities 0.8, green 0.5, industry 0.3), weighted by distance through a function table.",
       "Chance shakes the attraction of a cell by up to a fifth, from a seed, so that a run can be "
       "repeated.",
-      "The most attractive cells within 250 m of a road are built on first, six dwellings to a "
-      "cell, until "
-      "the demand of the year is met, which a second function table tells.",
+      "The most attractive cells within 250 m of a road or railway are built on first, six "
+      "dwellings to a cell, until the demand of the year is met, which a second function table "
+      "tells.",
   });
 }
 
 void TellYears(Growth &growth, CByteMatrixBaseMap &map, Output &output, Progress &progress) {
   constexpr int kZoom = 2;
-  std::printf("\nSettlements that grow from %d to %d\n", kFirstYear - 1, kLastYear);
+  std::printf("\nSettlements that grow from %d to %d (all other classes stay as they are)\n",
+              kFirstYear - 1, kLastYear);
   std::printf(
       "  year   built   residential   not mapped   arable   vineyard   meadow   stored, time\n");
   std::vector<std::vector<std::string>> rows{{"year", "built", "residential", "not mapped",

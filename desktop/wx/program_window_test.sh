@@ -400,6 +400,16 @@ expect_same "what the other wrote" "$(cksum < meanwhile.txt)" "$(cksum < "$table
 expect_same "the edited file" "$(cksum < meanwhile.txt.edited)" "$(cksum < old.txt)"
 expect_same "what it says" "$(grep -c "has changed while its table was edited" err.txt)" 1
 
+# Nor is the edited table lost when its file cannot be read any more, as a folder of its name.
+cp old.txt replaced.txt
+start replaced.txt --number 2
+rm replaced.txt
+mkdir replaced.txt
+xdotool key Return
+finish 1
+expect_same "the edited file" "$(cksum < replaced.txt.edited)" "$(cksum < old.txt)"
+expect_same "what it says" "$(grep -c "'replaced.txt' has changed while its table was edited" err.txt)" 1
+
 # So does an edited table whose old file cannot be kept.
 cp old.txt kept.txt
 mkdir kept.txt.bak
@@ -432,8 +442,20 @@ start steps.txt
 click "$spline"
 click "$ok"
 finish 0
-expect_same "a second line" "$(tail -n 1 out.txt)" \
-  "steps.txt: this form of file holds no type; the table is read as straight lines"
+lost="quillaven: warning: 'steps.txt': the compact form holds neither type nor limits of x; \
+the table is read as straight lines from 0 to 60"
+expect_same "the warning of a spline" "$(cat err.txt)" "$lost"
+
+# So are limits of x that no point lies at.
+start steps.txt
+click "$options"
+open_options
+write "159 81" 90
+click "$options_ok"
+leave_dialog Options
+click "$ok"
+finish 0
+expect_same "the warning of limits" "$(cat err.txt)" "$lost"
 
 echo "$checks checks, $failures failures"
 [ "$failures" -eq 0 ]

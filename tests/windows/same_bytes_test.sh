@@ -50,15 +50,16 @@ there convert here/growth.doc growth-there.asc
 here convert there/growth.doc growth-here.asc
 same growth-here.asc growth-there.asc
 each here/network.bin there/network.bin network report
-each here/network.bin there/network.bin network export --type 1
+each here/network.bin there/network.bin network export --type 2
+[ "$(wc -l < from-here)" -gt 1000 ]  # roads, and not the end alone
 mv from-here roads-there.txt
 mv from-there roads-here.txt
-each roads-there.txt roads-here.txt network import --type 1
+each roads-here.txt roads-there.txt network import --type 2
 for table in "$source"/data/tables/*.txt; do
   each "$table" "$table" table convert --to tagged
   mv from-here tagged-there.txt
   mv from-there tagged-here.txt
-  each tagged-there.txt tagged-here.txt table convert --to compact
+  each tagged-here.txt tagged-there.txt table convert --to compact
 done
 
 echo "The same on both systems: $files files"
