@@ -161,18 +161,11 @@ void AddNetwork(CLI::App &program, NetworkOptions &options) {
   command->footer("Example: quillaven network check all.bin");
 }
 
-std::string WithoutDoubleBlankLines(CLI::App const *command, std::string const &name,
-                                    CLI::AppFormatMode mode) {
-  std::string help = CLI::Formatter().make_help(command, name, mode);
-  for (std::size_t at = 0; (at = help.find("\n\n\n")) != std::string::npos;) help.erase(at, 1);
-  return help;
-}
-
 CLI::App *AddTableCommand(CLI::App &tables, TableOptions &options, char const *name,
                           char const *what, void (*run)(TableOptions const &)) {
   CLI::App *command = tables.add_subcommand(name, what);
   command->add_option("file", options.file, "The file of tables to read")->required();
-  command->add_option("--table", options.table, "Which table of the file, from 1")
+  command->add_option("--table,--number", options.table, "Which table of the file, from 1")
       ->check(CLI::Range(1, 1000000))
       ->capture_default_str();
   command->callback([&options, run] { run(options); });
@@ -201,15 +194,6 @@ void AddTable(CLI::App &program, TableOptions &options) {
   convert->footer("Example: quillaven table convert step.txt --to tagged --out step-tagged.txt");
   CLI::App *edit = AddTableCommand(*tables, options, "edit",
                                    "Shape a table with the mouse; the old file is kept", TableEdit);
-  edit->add_option("--number", options.table, "The same as --table")
-      ->check(CLI::Range(1, 1000000))
-      ->group("");  // an older name, not shown
-  edit->callback([&options, edit] {
-    if (edit->count("--number") > 0 && edit->count("--table") > 0)
-      throw BadArguments("--table excludes --number, its older name");
-    TableEdit(options);
-  });
-  edit->formatter_fn(WithoutDoubleBlankLines);  // the group that is not shown leaves one
   edit->footer("Example: quillaven table edit demand.txt --table 1");
 }
 

@@ -16,12 +16,9 @@ void TellOtherFiles(Output &output) {
       "edited.asc is the map of chapter 2, an ASCII grid, which most geographic software reads. "
       "growth-1994.qmp to growth-2003.qmp are the maps of the years as the library's own programs "
       "store them; \"quillaven convert --type byte\" makes grids of them. growth.doc and "
-      "growth.img are the "
-      "last "
-      "of these years as an Idrisi pair, for Idrisi. network.bin is the network, for \"quillaven "
-      "network\"; network-years.txt and network-years_1990.bin are its years, for \"quillaven "
-      "network "
-      "years\"; network-report.txt is the report above.");
+      "growth.img are the last of these years as an Idrisi pair, for Idrisi. network.bin is the "
+      "network, for \"quillaven network\"; network-years.txt and network-years_1990.bin are its "
+      "years, for \"quillaven network years\"; network-report.txt is the report above.");
 }
 
 }  // namespace

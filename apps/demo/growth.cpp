@@ -343,10 +343,9 @@ void TellNetworkYears(CByteMatrixBaseMap &map, CNetwork &network, Output &output
       "5. A network that changes from year to year",
       "Roads (red) and railways (black, bold) are one network of nodes and links, joined from "
       "four files and asked for the nearest road or railway of each cell above. A year is stored "
-      "as what "
-      "changes in it, and any year can be loaded, forward and back. The real network stands for "
-      "1990; two changes are invented: in 1995 the planned links (blue) are roads, and in "
-      "2000 the railways are gone. Below is what the report on the network found.");
+      "as what changes in it, and any year can be loaded, forward and back. The real network "
+      "stands for 1990; two changes are invented: in 1995 the planned links (blue) are roads, and "
+      "in 2000 the railways are gone. Below is what the report on the network found.");
   std::vector<std::vector<std::string>> rows{{"links in", "planned", "roads", "railways"}};
   for (int const year : {1990, 1995, 2000}) {
     std::string const text = std::to_string(year);
@@ -447,8 +446,8 @@ void TellRule(unsigned int seed, Output &output) {
       "Only open land can become residential: fields, meadows, vineyards, and land not mapped. "
       "No other class changes, nor is told of below.",
       "Each cell is drawn to the settled cells within 8 cells (200 m) of it: their worth "
-      "(dwellings 1, public "
-      "facilities 0.8, green 0.5, industry 0.3), weighted by distance through a function table.",
+      "(dwellings 1, public facilities 0.8, green 0.5, industry 0.3), weighted by distance through "
+      "a function table.",
       "Chance shakes the attraction of a cell by up to a fifth, from a seed, so that a run can be "
       "repeated.",
       "The most attractive cells within 250 m of a road or railway are built on first, six "
