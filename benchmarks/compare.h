@@ -62,10 +62,15 @@ void Compare(benchmark::State &state, double steps, Work work, Peer peer) {
   Compare(state, steps, steps, work, peer);
 }
 
-// So many turns; one with QUILLAVEN_BENCHMARK_ONCE set, to see that everything runs.
+// With QUILLAVEN_BENCHMARK_ONCE set, one turn over less, to see that everything runs.
+inline bool RunsOnce() {
+  return std::getenv("QUILLAVEN_BENCHMARK_ONCE") != nullptr;
+}
+inline int Sized(int whole) {
+  return RunsOnce() ? whole / 10 : whole;
+}
 inline void TakeTurns(benchmark::internal::Benchmark *pair, int turns) {
-  bool const once = std::getenv("QUILLAVEN_BENCHMARK_ONCE") != nullptr;
-  pair->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(once ? 1 : turns);
+  pair->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(RunsOnce() ? 1 : turns);
 }
 inline void Turns(benchmark::internal::Benchmark *pair) {
   TakeTurns(pair, 11);

@@ -35,11 +35,11 @@
 
 namespace {
 
-constexpr int kGridSide = 1200;
-constexpr int kBitmapSide = 2000;
-constexpr int kMapSide = 4000;
-constexpr double kGridCells = static_cast<double>(kGridSide) * kGridSide;
-constexpr double kMapCells = static_cast<double>(kMapSide) * kMapSide;
+int const kGridSide = Sized(1200);
+int const kBitmapSide = Sized(2000);
+int const kMapSide = Sized(4000);
+double const kGridCells = static_cast<double>(kGridSide) * kGridSide;
+double const kMapCells = static_cast<double>(kMapSide) * kMapSide;
 
 // Heights with a few decimals, as grids have them.
 CMultiScaleFloatMatrix Heights(int side, int width = 1) {
@@ -115,9 +115,9 @@ void GdalRead(std::string const &file, std::vector<float> &cells, int side) {
 
 void WriteWithPrintf(std::string const &file, std::vector<float> const &cells) {
   std::FILE *out = std::fopen(file.c_str(), "w");
+  auto const side = static_cast<std::size_t>(kGridSide);
   for (std::size_t i = 0; i < cells.size(); ++i)
-    std::fprintf(out, i % kGridSide == kGridSide - 1 ? "%g\n" : "%g ",
-                 static_cast<double>(cells[i]));
+    std::fprintf(out, i % side == side - 1 ? "%g\n" : "%g ", static_cast<double>(cells[i]));
   std::fclose(out);
 }
 

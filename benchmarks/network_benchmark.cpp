@@ -6,7 +6,6 @@
 // change.
 
 #include <algorithm>
-#include <chrono>
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
@@ -31,6 +30,8 @@
 
 #include <quillaven/network/network.h>
 #include <quillaven/network/network_access_internal.h>
+
+#include "benchmarks/compare.h"
 
 namespace {
 
@@ -97,37 +98,7 @@ CNetwork const &Network(int points) {
   return network;
 }
 
-template <class Work>
-double SecondsOf(Work work) {
-  auto const start = std::chrono::steady_clock::now();
-  work();
-  return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-}
-
-double Median(std::vector<double> &times) {
-  auto const middle = times.begin() + static_cast<std::ptrdiff_t>(times.size() / 2);
-  std::nth_element(times.begin(), middle, times.end());
-  return *middle;
-}
-
-// Runs both turn by turn, so that a busy machine slows both. The time reported is that of `work`.
-template <class Work, class Peer>
-void Compare(benchmark::State &state, double steps, double peerSteps, Work work, Peer peer) {
-  std::vector<double> works;
-  std::vector<double> peers;
-  for (auto _ : state) {
-    peers.push_back(SecondsOf(peer));
-    works.push_back(SecondsOf(work));
-    state.SetIterationTime(works.back());
-  }
-  double const workTime = Median(works);
-  double const peerTime = Median(peers);
-  state.counters["ratio"] = workTime / peerTime;
-  state.counters["ns"] = workTime * 1e9 / steps;
-  state.counters["peer_ns"] = peerTime * 1e9 / peerSteps;
-}
-
-constexpr int kPoints = 200000;
+int const kPoints = Sized(200000);
 
 // What one would write first: a stream for each line, and a map of the points.
 std::size_t ReadByStreams(std::string const &file) {
@@ -473,7 +444,7 @@ void BM_ReplayOf50Years(benchmark::State &state) {
 
 // The same where all changes are at one node: links are added, and deleted in the next year.
 void BM_ReplayAtAHub(benchmark::State &state) {
-  constexpr int kChanges = 50000;
+  int const kChanges = Sized(50000);
   auto const makeYears = [](int changes) {
     CNetwork network;
     Access::Years(network).resize(2);
@@ -501,21 +472,25 @@ void BM_ReplayAtAHub(benchmark::State &state) {
       state, 8 * kChanges, 2 * kChanges, [&] { replay(many); }, [&] { replay(few); });
 }
 
-#define QUILLAVEN_COMPARED(name) BENCHMARK(name)->UseManualTime()->Unit(benchmark::kMillisecond)
-QUILLAVEN_COMPARED(BM_VectorTextVersusStreams)->Iterations(5);
-QUILLAVEN_COMPARED(BM_VectorTextOfTenTimesThePoints)->Iterations(3);
-QUILLAVEN_COMPARED(BM_StarOfTenTimesTheRays)->Iterations(3);
-QUILLAVEN_COMPARED(BM_LongCoordinatesVersusShort)->Iterations(5);
-QUILLAVEN_COMPARED(BM_LoadVersusOneRead)->Iterations(11);
-QUILLAVEN_COMPARED(BM_SaveVersusOneWrite)->Iterations(11);
+// Those that take a second at a time.
+void FewTurns(benchmark::internal::Benchmark *pair) {
+  TakeTurns(pair, 3);
+}
+
+BENCHMARK(BM_VectorTextVersusStreams)->Apply(Turns);
+BENCHMARK(BM_VectorTextOfTenTimesThePoints)->Apply(FewTurns);
+BENCHMARK(BM_StarOfTenTimesTheRays)->Apply(FewTurns);
+BENCHMARK(BM_LongCoordinatesVersusShort)->Apply(Turns);
+BENCHMARK(BM_LoadVersusOneRead)->Apply(Turns);
+BENCHMARK(BM_SaveVersusOneWrite)->Apply(Turns);
 #ifdef QUILLAVEN_HAS_BOOST_GRAPH
-QUILLAVEN_COMPARED(BM_LoadVersusBoostGraph)->Iterations(5);
-QUILLAVEN_COMPARED(BM_SaveVersusBoostGraph)->Iterations(5);
+BENCHMARK(BM_LoadVersusBoostGraph)->Apply(Turns);
+BENCHMARK(BM_SaveVersusBoostGraph)->Apply(Turns);
 #endif
-QUILLAVEN_COMPARED(BM_ClosestNodeVersusByHand)->Iterations(51);
-QUILLAVEN_COMPARED(BM_ClosestLinkVersusByHand)->Iterations(51);
-QUILLAVEN_COMPARED(BM_FindNodeVersusOnePass)->Iterations(51);
-QUILLAVEN_COMPARED(BM_ReplayOf50Years)->Iterations(11);
-QUILLAVEN_COMPARED(BM_ReplayAtAHub)->Iterations(5);
+BENCHMARK(BM_ClosestNodeVersusByHand)->Apply(Turns);
+BENCHMARK(BM_ClosestLinkVersusByHand)->Apply(Turns);
+BENCHMARK(BM_FindNodeVersusOnePass)->Apply(Turns);
+BENCHMARK(BM_ReplayOf50Years)->Apply(Turns);
+BENCHMARK(BM_ReplayAtAHub)->Apply(Turns);
 
 }  // namespace
