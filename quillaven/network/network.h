@@ -99,9 +99,10 @@ class QUILLAVEN_API CNetwork {
   unsigned long IndexOf(CLink const *link) const;
   unsigned long IndexOf(CIdListElem const *cell) const;
 
-  static bool IsUnused(CNode const *node);
-  static bool IsUnused(CLink const *link);
-  static bool IsUnused(CIdListElem const *cell);
+  // Here, as every pass over a pool asks each record.
+  static bool IsUnused(CNode const *node) { return node->inLinks == 0 && node->outLinks == 0; }
+  static bool IsUnused(CLink const *link) { return link->from == 0 && link->to == 0; }
+  static bool IsUnused(CIdListElem const *cell) { return cell->link == 0; }
   /// Marks a record: it stays in its pool and is never used again, nodes excepted.
   static void SetUnused(CNode *node);
   static void SetUnused(CLink *link);

@@ -91,15 +91,6 @@ unsigned long CNetwork::IndexOf(CIdListElem const *cell) const {
   return static_cast<unsigned long>(cell - idListElems.data());
 }
 
-bool CNetwork::IsUnused(CNode const *node) {
-  return node->inLinks == 0 && node->outLinks == 0;
-}
-bool CNetwork::IsUnused(CLink const *link) {
-  return link->from == 0 && link->to == 0;
-}
-bool CNetwork::IsUnused(CIdListElem const *cell) {
-  return cell->link == 0;
-}
 void CNetwork::SetUnused(CNode *node) {
   node->inLinks = 0;
   node->outLinks = 0;
