@@ -183,13 +183,13 @@ DialogWindow::DialogWindow(wxWindow *parent, CDialog &dialog)
     event.Skip();
   });
   Bind(wxEVT_IDLE, [this](wxIdleEvent &event) {
-    Show();  // the program that owns the dialog may have sent it a command
+    ShowState();  // the program that owns the dialog may have sent it a command
     CatchUp();
     event.Skip();
   });
   Bind(wxEVT_ICONIZE, [this](wxIconizeEvent &) {
     TellSize();
-    Show();
+    ShowState();
     if (!IsIconized()) ChooseFocus();  // hidden controls have lost it
     Refresh();  // a minimised window is another picture, and some desktops show it
   });
@@ -321,7 +321,7 @@ void DialogWindow::OnPaint(wxPaintEvent & /*event*/) {
     m_failure = std::current_exception();
   }
   Draw(dc, drawing, m_dialog.OnQueryDragIcon());
-  CallAfter([this] { Show(); });  // the paint sets controls, too
+  CallAfter([this] { ShowState(); });  // the paint sets controls, too
 }
 
 // The toolkit tells no size of a minimised window, whose picture is as large as before.
@@ -338,7 +338,7 @@ unsigned int DialogWindow::Run() {
   }
   TellSize();
   m_dialog.OnInitDialog();
-  Show();
+  ShowState();
   ChooseFocus();
   CentreOnParent();
   ShowModal();
@@ -358,10 +358,10 @@ void DialogWindow::Tell(std::function<void()> const &event) {
   } catch (...) {  // no exception may pass through the toolkit
     m_failure = std::current_exception();
   }
-  Show();
+  ShowState();
 }
 
-void DialogWindow::Show() {
+void DialogWindow::ShowState() {
   if (m_failure != nullptr || m_dialog.Result() != 0) return Close();
   wxString const title = ToolkitText(m_dialog.Title().c_str());
   if (GetTitle() != title) SetTitle(title);

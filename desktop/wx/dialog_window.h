@@ -39,13 +39,11 @@ class DialogWindow : public wxDialog {
 
   /// Tells the dialog something, and shows what has become of it.
   void Tell(std::function<void()> const &event);
-  void Show();
+  void ShowState();
   void ShowControl(CControl const &control, Shown &shown);
   void Close();
   int IdOf(wxWindow const *window) const;
   wxWindow *WindowOf(int id) const;
-
-  using wxDialog::Show;
 
   CDialog &m_dialog;
   wxPanel *m_panel;
