@@ -13,7 +13,9 @@ void ImportAndTouch(std::string const &file) {
   CMultiScaleMatrix<T> raster;
   ImportAsciiGrid(file.c_str(), texts, raster);
   T value{};
-  raster.GetSave(raster.NRows() - 1, raster.NCols() - 1, value);
+  raster.GetSave(raster.NRows(), raster.NCols(), value);  // outside: rows may be far below zero
+  if (raster.NRows() > 0 && raster.NCols() > 0)
+    raster.GetSave(raster.NRows() - 1, raster.NCols() - 1, value);
   raster.FineCell(0, 0, true);
 }
 
