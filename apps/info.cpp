@@ -23,8 +23,8 @@ namespace {
 
 constexpr int kAsciiGrid = 1;
 constexpr std::size_t kClassesShown = 20;
-constexpr char kNoText[] =
-    "malformed input";  // what a text of an Idrisi document is without a value
+// What a text of an Idrisi document is without a value.
+constexpr char kNoText[] = "malformed input";
 
 std::string FirstBytes(std::string const &file, std::size_t count) {
   std::ifstream stream(SystemPath(file), std::ios::binary);

@@ -41,8 +41,7 @@ void AddInfo(CLI::App &program, std::string &file) {
   command
       ->add_option("file", file,
                    "A grid, Idrisi pair, map file, legend, palette, network, its vector text or "
-                   "years, function "
-                   "table, bitmap or PNG")
+                   "years, function table, bitmap or PNG")
       ->required();
   command->footer("Example: quillaven info landuse.asc");
   command->callback([&file] { Info(file); });
@@ -61,8 +60,7 @@ void AddConvert(CLI::App &program, ConvertOptions &options) {
                     "Write an Idrisi image of float cells as bytes; with nothing else");
   command->footer(
       "Position and size of the cells are not kept: a grid is written with its corner at 0 0 and "
-      "cells "
-      "of\nsize 1, an Idrisi pair from 0 to 1, and a map has neither.\n\n"
+      "cells of\nsize 1, an Idrisi pair from 0 to 1, and a map has neither.\n\n"
       "Example: quillaven convert landuse.asc landuse.doc --type byte");
   command->callback([&options] { Convert(options); });
 }

@@ -10,11 +10,13 @@
 #include <gtest/gtest.h>
 
 #include <quillaven/editor/dialog.h>
+#include <quillaven/editor/dialog_template_internal.h>
 #include <quillaven/editor/plot_scale_internal.h>
 #include <quillaven/functions/spline.h>
 
 #include "desktop/windows/dialog_form.h"
 #include "desktop/windows/window_driver.h"
+#include "tests/support/bare_dialog.h"
 #include "tests/support/graphics_objects.h"
 #include "tests/support/spline_tables.h"
 
@@ -450,12 +452,7 @@ TEST_F(Desktop, DialogsLeaveNoObjectsOfTheSystemBehind) {
 }
 
 TEST_F(Desktop, ADragOfOneOf30PointsOfASplineRepaintsSmoothly) {
-  CSpline table;
-  table.TableLinear(false);
-  table.MaxX(8);
-  table.MinY(0);
-  table.MaxY(100);
-  for (int i = 0; i < CSpline::NRoots(); ++i) table.Add(CSpline::Root(i), i % 2 == 0 ? 30 : 60);
+  CSpline table = SplineOf30Points();
   driver.scripts = {[](WindowDriver &d) {
     POINT const from = Places(d, {0, 8, 0, 100}).At(CSpline::Root(9), 60);
     d.Mouse(WM_LBUTTONDOWN, from);
@@ -496,28 +493,6 @@ TEST_F(Desktop, AMinimisedToolShowsItsIconAlone) {
 
 // ---- Dialogs of a program ------------------------------------------------------------------------
 
-// No button at all, and a line that goes on with another pen.
-class CBareDialog : public CDialog {
- public:
-  CBareDialog() : CDialog(Form()) {}
-  void OnPaint(CDrawing &drawing) override {
-    drawing.Pen(kRed, 3);
-    drawing.MoveTo(10, 20);
-    drawing.LineTo(100, 20);
-    drawing.Pen(kBlue, 3);
-    drawing.LineTo(100, 80);
-  }
-
- private:
-  static CDialogTemplate Form() {
-    CDialogTemplate form;
-    form.title = "bare";
-    form.width = 120;
-    form.height = 80;
-    return form;
-  }
-};
-
 TEST_F(Desktop, ADialogWithoutButtonsClosesByKeysAndByItsBox) {
   std::vector<std::pair<WindowDriver::Script, unsigned int>> const ways = {
       {[](WindowDriver &d) { ::SendMessageA(d.Window(), WM_CLOSE, 0, 0); }, 2U},
@@ -539,15 +514,6 @@ TEST_F(Desktop, ALineGoesOnWithAnotherPen) {
     ::SendMessageA(d.Window(), WM_CLOSE, 0, 0);
   }};
   EXPECT_EQ(dialog.DoModal(), 2U);
-}
-
-CControl MakeControl(CControl::Kind kind, int id, std::string const &text, CRect const &place) {
-  CControl control;
-  control.kind = kind;
-  control.id = id;
-  control.text = text;
-  control.place = place;
-  return control;
 }
 
 // One control of each kind, all by its own template. It writes down what it is told.
@@ -580,16 +546,16 @@ class CFullDialog : public CDialog {
     form.title = "Gr\xFC\xDF";  // one byte a letter
     form.width = 150;
     form.height = 120;
-    form.controls = {MakeControl(Kind::defaultButton, 1, "OK", {5, 100, 45, 114}),
-                     MakeControl(Kind::edit, 3, "first text", {5, 5, 65, 19}),
-                     MakeControl(Kind::listBox, 4, "", {5, 25, 65, 60}),
-                     MakeControl(Kind::checkBox, 5, "Box", {5, 65, 65, 75}),
-                     MakeControl(Kind::button, 6, "Hidden later", {50, 100, 100, 114}),
-                     MakeControl(Kind::radioButton, 7, "One", {80, 5, 130, 15}),
-                     MakeControl(Kind::radioButton, 8, "Two", {80, 18, 130, 28}),
-                     MakeControl(Kind::text, 9, "a label", {80, 40, 140, 48}),
-                     MakeControl(Kind::button, 10, "Label", {80, 55, 130, 69}),
-                     MakeControl(Kind::button, 11, "Throw", {80, 75, 130, 89})};
+    form.controls = {Item(Kind::defaultButton, 1, "OK", 5, 100, 40, 14),
+                     Item(Kind::edit, 3, "first text", 5, 5, 60, 14),
+                     Item(Kind::listBox, 4, "", 5, 25, 60, 35),
+                     Item(Kind::checkBox, 5, "Box", 5, 65, 60, 10),
+                     Item(Kind::button, 6, "Hidden later", 50, 100, 50, 14),
+                     Item(Kind::radioButton, 7, "One", 80, 5, 50, 10),
+                     Item(Kind::radioButton, 8, "Two", 80, 18, 50, 10),
+                     Item(Kind::text, 9, "a label", 80, 40, 60, 8),
+                     Item(Kind::button, 10, "Label", 80, 55, 50, 14),
+                     Item(Kind::button, 11, "Throw", 80, 75, 50, 14)};
     return form;
   }
 };
@@ -699,8 +665,8 @@ TEST_F(Desktop, ATemplateOfFarPlacesAndOddPicturesDoesNoHarm) {
       form.width = 100;
       form.height = 100;
       form.controls = {
-          MakeControl(CControl::Kind::text, -1, "far", {1000000, -1000000, 2000000, 2000000}),
-          MakeControl(CControl::Kind::text, -1, std::string(70000, 'x'), {0, 0, 10, 10})};
+          Item(CControl::Kind::text, -1, "far", 1000000, -1000000, 1000000, 3000000),
+          Item(CControl::Kind::text, -1, std::string(70000, 'x').c_str(), 0, 0, 10, 10)};
       return form;
     }
   };

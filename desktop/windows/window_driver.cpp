@@ -3,36 +3,11 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
 #include <stdexcept>
 
 namespace {
 
 WindowDriver *g_driver = nullptr;
-
-bool IsOfClass(HWND window, char const *expected) {
-  char name[32] = "";
-  ::GetClassNameA(window, name, sizeof name);
-  return std::strcmp(name, expected) == 0;
-}
-
-std::string WindowText(HWND window) {
-  char text[500] = "";
-  ::GetWindowTextA(window, text, sizeof text);
-  return text;
-}
-
-// A box's text is its last static control, behind the icon if there is one.
-BOOL CALLBACK LookAtControl(HWND control, LPARAM seen) {
-  if (!IsOfClass(control, "Static")) return TRUE;
-  auto &box = *reinterpret_cast<SeenBox *>(seen);
-  if ((::GetWindowLongA(control, GWL_STYLE) & SS_TYPEMASK) == SS_ICON) {
-    if (::SendMessageA(control, STM_GETICON, 0, 0) != 0) box.hasIcon = true;
-  } else {
-    box.text = WindowText(control);
-  }
-  return TRUE;
-}
 
 // A bitmap of 32 bits a pixel in memory, with a context to draw on.
 class Canvas {
@@ -99,7 +74,7 @@ WindowDriver::~WindowDriver() {
 
 LRESULT CALLBACK WindowDriver::OnHook(int code, WPARAM window, LPARAM other) {
   auto *const handle = reinterpret_cast<HWND>(window);
-  if (code == HCBT_ACTIVATE && IsOfClass(handle, "#32770")) g_driver->OnActivate(handle);
+  if (code == HCBT_ACTIVATE && IsDialogBox(handle)) g_driver->OnActivate(handle);
   if (code == HCBT_DESTROYWND) std::erase(g_driver->m_open, handle);
   return ::CallNextHookEx(nullptr, code, window, other);
 }
@@ -107,9 +82,7 @@ LRESULT CALLBACK WindowDriver::OnHook(int code, WPARAM window, LPARAM other) {
 void WindowDriver::OnActivate(HWND window) {
   if (std::count(m_open.begin(), m_open.end(), window) != 0) return;
   if (m_inBox) {
-    SeenBox box{{}, WindowText(window), ::GetWindow(window, GW_OWNER), false};
-    ::EnumChildWindows(window, LookAtControl, reinterpret_cast<LPARAM>(&box));
-    boxes.push_back(box);
+    boxes.push_back(LookAtBox(window));
     ::PostMessageA(window, WM_COMMAND, IDOK, 0);
     return;
   }

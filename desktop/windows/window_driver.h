@@ -18,6 +18,8 @@
 
 #include <quillaven/desktop/desktop_application.h>
 
+#include "tests/support/seen_box.h"
+
 /// The client area of a window, painted into memory.
 struct Picture {
   int width = 0;
@@ -26,13 +28,6 @@ struct Picture {
 
   unsigned long At(int x, int y) const { return pixels[static_cast<std::size_t>(y * width + x)]; }
   long CountOf(unsigned long colour) const;
-};
-
-struct SeenBox {
-  std::string text;
-  std::string title;
-  HWND owner = nullptr;
-  bool hasIcon = false;
 };
 
 /// Tells the driver which windows are boxes.

@@ -17,23 +17,14 @@
 #include <quillaven/editor/dialog.h>
 #include <quillaven/functions/spline.h>
 
+#include "tests/support/spline_tables.h"
+
 namespace {
 
 using Clock = std::chrono::steady_clock;
 
 double SecondsSince(Clock::time_point start) {
   return std::chrono::duration<double>(Clock::now() - start).count();
-}
-
-// 30 points of a spline at the distances between cells.
-CSpline SplineTable() {
-  CSpline table;
-  table.TableLinear(false);
-  table.MaxX(8);
-  table.MinY(0);
-  table.MaxY(100);
-  for (int i = 0; i < CSpline::NRoots(); ++i) table.Add(CSpline::Root(i), i % 2 == 0 ? 30 : 60);
-  return table;
 }
 
 // Moves the pointer by itself: the toolkit's simulator waits after each move.
@@ -127,7 +118,7 @@ int main() {
     std::fprintf(stderr, "skipped: there is no display\n");
     return 77;
   }
-  CSpline table = SplineTable();
+  CSpline table = SplineOf30Points();
   Hook hook;
   if (std::getenv("QUILLAVEN_BENCHMARK_ONCE") != nullptr) hook.seconds = 0.5;
   CSpline::DoModal(table);

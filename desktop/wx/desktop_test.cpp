@@ -25,6 +25,7 @@
 #include <quillaven/functions/spline.h>
 
 #include "desktop/wx/window_driver.h"
+#include "tests/support/bare_dialog.h"
 #include "tests/support/spline_tables.h"
 
 namespace {
@@ -412,28 +413,6 @@ TEST_F(Desktop, ARadioButtonStaysPressedUntilTheDialogFollows) {
   EXPECT_EQ(CSpline::DoModal(table), 1U);
   EXPECT_FALSE(table.TableLinear());
 }
-
-// No button at all, and a line that goes on with another pen.
-class CBareDialog : public CDialog {
- public:
-  CBareDialog() : CDialog(Form()) {}
-  void OnPaint(CDrawing &drawing) override {
-    drawing.Pen(0x0000FF, 3);
-    drawing.MoveTo(10, 20);
-    drawing.LineTo(100, 20);
-    drawing.Pen(0xFF0000, 3);
-    drawing.LineTo(100, 80);
-  }
-
- private:
-  static CDialogTemplate Form() {
-    CDialogTemplate form;
-    form.title = "bare";
-    form.width = 120;
-    form.height = 80;
-    return form;
-  }
-};
 
 TEST_F(Desktop, ADialogWithoutButtonsClosesByKeysAndByItsBox) {
   std::vector<std::pair<WindowDriver::Script, unsigned int>> const ways = {

@@ -33,3 +33,14 @@ inline CSpline DistanceTable() {
   table.MaxY(100);
   return table;
 }
+
+/// A spline through 30 points at the distances between cells, shown from 0 to 8 and from 0 to 100.
+inline CSpline SplineOf30Points() {
+  CSpline table;
+  table.TableLinear(false);
+  table.MaxX(8);
+  table.MinY(0);
+  table.MaxY(100);
+  for (int i = 0; i < CSpline::NRoots(); ++i) table.Add(CSpline::Root(i), i % 2 == 0 ? 30 : 60);
+  return table;
+}
