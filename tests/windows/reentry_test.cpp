@@ -13,6 +13,7 @@
 
 #include "tests/support/recording_application.h"
 #include "tests/support/temporary_directory.h"
+#include "tests/windows/start_dde_server.h"
 
 namespace {
 
@@ -26,17 +27,6 @@ class AskingApplication : public RecordingApplication {
   }
   bool isOpen = false;
 };
-
-HANDLE StartServer(std::string const &log) {
-  std::string command = "\"" DDE_SERVER "\" \"" + log + "\"";
-  STARTUPINFOA start{};
-  start.cb = sizeof start;
-  PROCESS_INFORMATION process{};
-  EXPECT_TRUE(::CreateProcessA(nullptr, command.data(), nullptr, nullptr, FALSE, 0, nullptr,
-                               nullptr, &start, &process));
-  ::CloseHandle(process.hThread);
-  return process.hProcess;
-}
 
 std::ptrdiff_t LinesThatBegin(std::string const &log, std::string const &begin) {
   std::istringstream lines(log);
@@ -54,7 +44,7 @@ void WaitFor(Condition const &holds) {
 
 TEST(SpreadsheetLink, UsedFromABoxOfItselfEndsEveryConversation) {
   TemporaryDirectory const directory;
-  HANDLE const server = StartServer(directory.Path("log"));
+  HANDLE const server = StartDdeServer(directory.Path("log"));
   WaitFor([&] { return directory.Read("log") == "ready\n"; });
   AskingApplication application;
   EXPECT_TRUE(XLLINK::excel_command("[REFUSE]"));
@@ -65,8 +55,7 @@ TEST(SpreadsheetLink, UsedFromABoxOfItselfEndsEveryConversation) {
   EXPECT_EQ(LinesThatBegin(log, "connect"), 2) << log;
   EXPECT_EQ(LinesThatBegin(log, "disconnect"), 2) << log;
   XLLINK::excel_command("[QUIT()]");
-  EXPECT_EQ(::WaitForSingleObject(server, 30000), WAIT_OBJECT_0);
-  ::CloseHandle(server);
+  ExpectEndOf(server);
 }
 
 }  // namespace

@@ -15,6 +15,7 @@
 
 #include "tests/support/recording_application.h"
 #include "tests/support/temporary_directory.h"
+#include "tests/windows/start_dde_server.h"
 
 namespace {
 
@@ -167,23 +168,14 @@ std::string Repeated(int times, std::string const &text) {
 // A spreadsheet that runs as long as the object lives.
 class Spreadsheet {
  public:
-  Spreadsheet() {
-    std::string command = Quoted(DDE_SERVER) + " " + Quoted(m_directory.Path("log"));
-    STARTUPINFOA start{};
-    start.cb = sizeof start;
-    PROCESS_INFORMATION process{};
-    EXPECT_TRUE(::CreateProcessA(nullptr, command.data(), nullptr, nullptr, FALSE, 0, nullptr,
-                                 nullptr, &start, &process));
-    ::CloseHandle(process.hThread);
-    m_process = process.hProcess;
+  Spreadsheet() : m_process(StartDdeServer(m_directory.Path("log"))) {
     for (int tries = 0; tries < 1000 && m_directory.Read("log").empty(); ++tries)
       std::this_thread::sleep_for(std::chrono::milliseconds(10));
     EXPECT_EQ(m_directory.Read("log"), "ready\n");
   }
   ~Spreadsheet() {
     XLLINK::excel_command("[QUIT()]");
-    EXPECT_EQ(::WaitForSingleObject(m_process, 30000), WAIT_OBJECT_0);
-    ::CloseHandle(m_process);
+    ExpectEndOf(m_process);
   }
   Spreadsheet(Spreadsheet const &) = delete;
   Spreadsheet &operator=(Spreadsheet const &) = delete;
@@ -201,7 +193,7 @@ class Spreadsheet {
 
  private:
   TemporaryDirectory m_directory;
-  HANDLE m_process = nullptr;
+  HANDLE m_process;
 };
 
 // An instance that does not start cannot be had from this system: the tests of the link itself stand in
